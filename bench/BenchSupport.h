@@ -1,0 +1,30 @@
+// Shared pieces of the benchmarks: a module rendered through the host driver, and a main that
+// prints, after Google Benchmark's table, each module benchmark as a ratio to its plain-loop twin.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/HostDriver.h"
+
+namespace BR::Bench {
+
+// A module of the catalogue behind the driver, with input and output buffers of one block.
+struct ModuleRig {
+    ModuleRig(const std::string& stem, uint32_t blockSize, float sampleRate = 48000.0f);
+    void Render();
+
+    std::unique_ptr<HostDriver> driver;
+    uint32_t blockSize;
+    std::vector<std::vector<float>> in, out;
+    std::vector<const float*> inPointers;
+    std::vector<float*> outPointers;
+};
+
+// Runs the registered benchmarks, then prints "ratio NAME / BASELINE" for each pair registered.
+int RunWithRatios(int argc, char** argv, const std::vector<std::pair<std::string, std::string>>& pairs);
+
+}  // namespace BR::Bench

@@ -1,0 +1,180 @@
+// The block path on the host's real-time thread: checks, queue drain, MIDI intake, slicing at MIDI
+// time stamps, and the bypass copy. Allocates nothing except for system exclusive messages.
+#include <algorithm>
+#include <cstring>
+
+#include "BrelCorvaneBase.h"
+#include "ModuleServices.h"
+
+namespace BR {
+
+void ResetFieldData(RenderRecord& record, BrelCorvaneBase** instanceSlot) {
+    std::memset(&record, 0, sizeof record);
+    record.privateData = instanceSlot;
+}
+
+void AlgorithmCallback(RenderRecord* const* begin, RenderRecord* const* end) {
+    const uintptr_t first = reinterpret_cast<uintptr_t>(begin);
+    const uintptr_t last = reinterpret_cast<uintptr_t>(end);
+    if (first > last) return;
+    const size_t count = (last - first + 7) / 8;
+    for (size_t i = 0; i < count; ++i) {
+        RenderRecord* record = begin[i];
+        if (record && record->privateData && *record->privateData)
+            (*record->privateData)->RenderAudio(record);
+    }
+}
+
+}  // namespace BR
+
+void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
+    const uint32_t frames = record->bufferLength ? uint32_t(std::max(*record->bufferLength, 0)) : 0;
+    if (!controller) return;
+    const int32_t hostInputs = BR::StemChannelCount(controller->GetInputStemFormat());
+    const int32_t hostOutputs = BR::StemChannelCount(controller->GetOutputStemFormat());
+    if (numSidechains == 0 && numInputs != 0 && hostInputs != numInputs) return;
+    if (numAuxOutputs == 0 && hostOutputs != numOutputs) return;
+
+    const bool bypass = masterBypass && masterBypass->GetValueAsBool();
+    if (record->transport) transport = record->transport;
+
+    if (!BeginBlock(frames)) return;
+
+    while (BR::MessageQueueItem* item = toAudioQueue.Read())
+        HandleQueuedMessage(item);
+
+    TransferHostMIDI(record->inputMIDI);
+
+    float* inputs[BR::kMaxModuleChannels];
+    const int32_t pointerCount = std::min(numInputPointers, BR::kMaxModuleChannels);
+    auto hostInput = [&](int32_t channel) {
+        return channel < hostInputs && record->inputs ? record->inputs[channel] : silence;
+    };
+    if (numInputs == 0) {
+        for (int32_t i = 0; i < pointerCount; ++i)
+            inputs[i] = silence;
+    } else if (numSidechains != 0) {
+        inputs[0] = hostInput(0);
+        inputs[1] = pointerCount > 1 ? hostInput(1) : silence;
+        for (int32_t i = 2; i < pointerCount; ++i)
+            inputs[i] = silence;
+        const int32_t served = std::min(numSidechains, BR::kMaxSidechains);
+        for (int32_t k = 0; k < served && 2 + k < pointerCount; ++k) {
+            const int32_t index = record->sidechainIndex[k] ? *record->sidechainIndex[k] : 0;
+            if (index != 0 && record->inputs) inputs[2 + k] = record->inputs[index];
+        }
+    } else {
+        for (int32_t i = 0; i < pointerCount; ++i)
+            inputs[i] = record->inputs[i];
+    }
+
+    float* outputs[BR::kMaxModuleChannels];
+    const int32_t outputCount = std::min(numOutputs, BR::kMaxModuleChannels);
+    for (int32_t i = 0; i < outputCount; ++i)
+        outputs[i] = record->outputs[i];
+
+    ProcessBlock(inputs, outputs, frames);
+
+    if (bypass) {
+        for (int32_t i = 0; i < outputCount; ++i) {
+            float* out = record->outputs[i];
+            if (i < hostInputs && record->inputs) {
+                if (out != record->inputs[i]) std::memmove(out, record->inputs[i], frames * sizeof(float));
+            } else {
+                std::memset(out, 0, frames * sizeof(float));
+            }
+        }
+    }
+
+    EndBlock(frames);
+}
+
+void BrelCorvaneBase::ProcessBlock(float** inputs, float** outputs, uint32_t frames) {
+    uint32_t position = 0;
+    uint32_t remaining = frames;
+    if (remaining == 0) return;
+    float* scratchInputs[BR::kMaxModuleChannels];
+    float* scratchOutputs[BR::kMaxModuleChannels];
+    const int32_t inputCount = std::min(numInputPointers, BR::kMaxModuleChannels);
+    const int32_t outputCount = std::min(numOutputs, BR::kMaxModuleChannels);
+
+    while (remaining != 0) {
+        BR::MessageQueueItem* item = midiToAudioQueue.Read();
+        uint32_t run = remaining;
+        if (item) {
+            if (item->timeStamp <= position) {
+                DispatchMIDI(item);
+                continue;
+            }
+            run = std::min(item->timeStamp - position, remaining);
+            position = item->timeStamp;
+        }
+        if (run != 0) {
+            BeginSlice(run, 0);
+            std::copy(inputs, inputs + inputCount, scratchInputs);
+            std::copy(outputs, outputs + outputCount, scratchOutputs);
+            ProcessSlice(scratchInputs, scratchOutputs, run);
+            for (int32_t i = 0; i < inputCount; ++i)
+                inputs[i] += run;
+            for (int32_t i = 0; i < outputCount; ++i)
+                outputs[i] += run;
+            remaining -= run;
+        }
+        if (item) DispatchMIDI(item);
+    }
+}
+
+void BrelCorvaneBase::DispatchMIDI(BR::MessageQueueItem* item) {
+    if (item->kind != BR::kMessageShortMIDI) return;
+    const int32_t channel = item->channel, data1 = item->dataByte1, data2 = item->dataByte2;
+    switch (item->status) {
+        case 0x90:
+            if (data2 != 0) {
+                HandleNoteOn(channel, data1, data2);
+            } else {
+                HandleNoteOff(channel, data1, data2);
+            }
+            break;
+        case 0x80:
+            HandleNoteOff(channel, data1, data2);
+            break;
+        case 0xB0:
+            HandleControlChange(channel, data1, data2);
+            break;
+        case 0xE0:
+            HandlePitchBend(channel, data1, data2);
+            break;
+        default:
+            break;
+    }
+    if (services) services->HandleMIDI(*item);
+    if (BR::GlobalMIDIHook hook = BR::GetGlobalMIDIHook()) hook(*this, *item);
+}
+
+void BrelCorvaneBase::TransferHostMIDI(const BR::HostMidiNode* node) {
+    if (!node || !node->stream.packets) return;
+    for (uint32_t p = 0; p < node->stream.numPackets; ++p) {
+        const BR::HostMidiPacket& packet = node->stream.packets[p];
+        if (!inSysEx && packet.data[0] != 0xF0) {
+            midiToAudioQueue.Write(packet.data[0] & 0xF0, packet.data[0] & 0x0F, packet.data[1] & 0x7F,
+                                   packet.data[2] & 0x7F, packet.timeStamp);
+            continue;
+        }
+        inSysEx = 1;
+        uint32_t n = std::min<uint32_t>(packet.length, 4);
+        const uint8_t* bytes = packet.data;
+        if (sysExBuffer.empty()) {
+            if (n == 0) continue;
+            ++bytes;  // the 0xF0 that opens the message, or the first byte of a continuation
+            --n;
+        }
+        for (uint32_t i = 0; i < n; ++i) {
+            sysExBuffer.push_back(bytes[i]);
+            if (bytes[i] == 0xF7) {
+                midiToAudioQueue.WriteSysEx(sysExBuffer.data(), uint32_t(sysExBuffer.size()));
+                sysExBuffer.clear();
+                inSysEx = 0;
+            }
+        }
+    }
+}

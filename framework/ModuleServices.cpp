@@ -1,0 +1,33 @@
+// Process-wide hook slots and the OSC base port.
+#include "ModuleServices.h"
+
+#include <atomic>
+
+namespace BR {
+
+namespace {
+std::atomic<ModuleServicesFactory> servicesFactory{nullptr};
+std::atomic<GlobalMIDIHook> globalMIDIHook{nullptr};
+std::atomic<int32_t> oscBasePort{7000};
+}  // namespace
+
+void SetModuleServicesFactory(ModuleServicesFactory factory) {
+    servicesFactory.store(factory);
+}
+ModuleServicesFactory GetModuleServicesFactory() {
+    return servicesFactory.load();
+}
+void SetGlobalMIDIHook(GlobalMIDIHook hook) {
+    globalMIDIHook.store(hook);
+}
+GlobalMIDIHook GetGlobalMIDIHook() {
+    return globalMIDIHook.load(std::memory_order_acquire);
+}
+void SetOSCBasePort(int32_t port) {
+    oscBasePort.store(port, std::memory_order_relaxed);
+}
+int32_t GetOSCBasePort() {
+    return oscBasePort.load(std::memory_order_relaxed);
+}
+
+}  // namespace BR

@@ -1,0 +1,100 @@
+// Block cutting, MIDI packets and the render record of the shared host driver.
+#include "HostDriver.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace BR {
+
+HostDriver::HostDriver(std::unique_ptr<BrelCorvaneBase> module_, const CatalogueEntry& entry_,
+                       float sampleRate, uint32_t maxBlockSize_)
+    : module(std::move(module_)), entry(entry_), maxBlockSize(std::max<uint32_t>(1, maxBlockSize_)) {
+    controller.sampleRate = sampleRate;
+    controller.inputStem = entry.inputStem;
+    controller.outputStem = entry.outputStem;
+    module->Initialize(&controller, nullptr, nullptr);
+    module->SetMaxBlockSize(maxBlockSize);
+    instanceSlot = module.get();
+    packets.resize(kMaxPackets);
+    zeros.assign(maxBlockSize, 0.0f);
+    inputPointers.resize(size_t(std::max(NumHostInputs(), 2)));
+    outputPointers.resize(size_t(std::max(NumHostOutputs(), 1)));
+    // Sidechain k arrives on host input channel 2 + k.
+    for (int32_t k = 0; k < kMaxSidechains; ++k)
+        sidechainIndex[size_t(k)] = k < module->NumSidechains() ? 2 + k : 0;
+}
+
+HostDriver::~HostDriver() = default;
+
+int32_t HostDriver::ParameterIndexByName(const std::string& name) const {
+    if (name == "Master Bypass") return 0;
+    const ParameterDefinition* table = module->ParameterTable();
+    for (int32_t k = 0; k < module->NumTableParameters(); ++k)
+        if (name == table[k].name) return k + 1;
+    return -1;
+}
+
+bool HostDriver::SetParameterByName(const std::string& name, float value) {
+    const int32_t index = ParameterIndexByName(name);
+    if (index < 0) return false;
+    return module->SetParameterValue(index, value) == kNoErr;
+}
+
+void HostDriver::Process(const float* const* inputs, float* const* outputs, uint32_t frames,
+                         const TimedMidi* midi, uint32_t numMidi) {
+    uint32_t done = 0;
+    uint32_t nextMidi = 0;
+    while (done < frames) {
+        const uint32_t n = std::min(maxBlockSize, frames - done);
+        uint32_t firstMidi = nextMidi;
+        while (nextMidi < numMidi && midi[nextMidi].frame < done + n)
+            ++nextMidi;
+        RenderOne(inputs, outputs, done, n, midi + firstMidi, nextMidi - firstMidi);
+        done += n;
+    }
+}
+
+void HostDriver::RenderOne(const float* const* inputs, float* const* outputs, uint32_t offset,
+                           uint32_t frames, const TimedMidi* midi, uint32_t numMidi) {
+    uint32_t numPackets = 0;
+    for (uint32_t m = 0; m < numMidi; ++m) {
+        const TimedMidi& event = midi[m];
+        const uint32_t stamp = event.frame - offset;
+        const bool sysEx = event.length > 0 && event.bytes[0] == 0xF0;
+        // Short messages travel in one packet, system exclusive in packets of four bytes.
+        const uint32_t chunk = sysEx ? 4 : std::min<uint32_t>(event.length, 4);
+        for (uint32_t at = 0; at < event.length || (at == 0 && event.length == 0);
+             at += std::max<uint32_t>(chunk, 1)) {
+            if (numPackets == kMaxPackets) break;
+            HostMidiPacket& packet = packets[numPackets++];
+            std::memset(&packet, 0, sizeof packet);
+            packet.timeStamp = stamp;
+            packet.length = std::min<uint32_t>(chunk, event.length - at);
+            std::memcpy(packet.data, event.bytes + at, packet.length);
+            if (!sysEx) break;
+        }
+    }
+    HostMidiNode node{{numPackets, packets.data()}};
+
+    for (size_t i = 0; i < inputPointers.size(); ++i) {
+        const float* source = i < size_t(NumHostInputs()) && inputs ? inputs[i] : nullptr;
+        inputPointers[i] = source ? const_cast<float*>(source) + offset : zeros.data();
+    }
+    for (size_t i = 0; i < size_t(NumHostOutputs()); ++i)
+        outputPointers[i] = outputs[i] + offset;
+
+    int32_t length = int32_t(frames);
+    RenderRecord record;
+    ResetFieldData(record, &instanceSlot);
+    record.inputs = inputPointers.data();
+    record.outputs = outputPointers.data();
+    for (int32_t k = 0; k < kMaxSidechains; ++k)
+        record.sidechainIndex[k] = &sidechainIndex[size_t(k)];
+    record.bufferLength = &length;
+    record.inputMIDI = &node;
+    record.transport = currentTransport;
+    RenderRecord* records[1] = {&record};
+    AlgorithmCallback(records, records + 1);
+}
+
+}  // namespace BR

@@ -1,0 +1,82 @@
+// The shared driver that stands in for a plug-in host: it owns one module instance, presents the
+// controller and transport, turns timed MIDI into packets, and renders blocks through RenderAudio.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "framework/BrelCorvaneBase.h"
+#include "framework/ModuleCatalogue.h"
+
+namespace BR {
+
+// MIDI bytes at a frame of the block being rendered.
+struct TimedMidi {
+    uint32_t frame;
+    uint32_t length;
+    const uint8_t* bytes;
+};
+
+class DriverController : public HostController {
+public:
+    float GetSampleRate() const override { return sampleRate; }
+    uint32_t GetInputStemFormat() const override { return inputStem; }
+    uint32_t GetOutputStemFormat() const override { return outputStem; }
+
+    float sampleRate = 48000.0f;
+    uint32_t inputStem = kStemFormatStereo;
+    uint32_t outputStem = kStemFormatStereo;
+};
+
+class HostDriver {
+public:
+    static constexpr uint32_t kMaxPackets = 1024;
+
+    // Takes the module, initialises it against the driver's controller and sets its maximum block.
+    HostDriver(std::unique_ptr<BrelCorvaneBase> module, const CatalogueEntry& entry, float sampleRate,
+               uint32_t maxBlockSize = kDefaultMaxBlockSize);
+    ~HostDriver();
+
+    BrelCorvaneBase& Module() { return *module; }
+    const CatalogueEntry& Entry() const { return entry; }
+    DriverController& Controller() { return controller; }
+    uint32_t MaxBlockSize() const { return maxBlockSize; }
+
+    // Channels the host exchanges with the module: main inputs and sidechains, all outputs.
+    int32_t NumHostInputs() const { return module->NumInputs(); }
+    int32_t NumHostOutputs() const { return module->NumOutputs(); }
+
+    void SetTransport(HostTransport* transport) { currentTransport = transport; }
+
+    // Renders `frames` (cut into blocks of at most the maximum block size). `inputs` has
+    // NumHostInputs() channels (null entries read silence), `outputs` NumHostOutputs(). MIDI frames are
+    // relative to this call and sorted; no allocation happens here.
+    void Process(const float* const* inputs, float* const* outputs, uint32_t frames, const TimedMidi* midi,
+                 uint32_t numMidi);
+
+    // Sets a table row or "Master Bypass" by its name. False when there is no such row.
+    bool SetParameterByName(const std::string& name, float value);
+    // Parameter index of a row name or "Master Bypass", or -1.
+    int32_t ParameterIndexByName(const std::string& name) const;
+
+private:
+    void RenderOne(const float* const* inputs, float* const* outputs, uint32_t offset, uint32_t frames,
+                   const TimedMidi* midi, uint32_t numMidi);
+
+    std::unique_ptr<BrelCorvaneBase> module;
+    const CatalogueEntry& entry;
+    DriverController controller;
+    uint32_t maxBlockSize;
+    HostTransport* currentTransport = nullptr;
+    BrelCorvaneBase* instanceSlot = nullptr;
+    std::vector<HostMidiPacket> packets;
+    std::vector<float> zeros;
+    std::vector<float*> inputPointers;
+    std::vector<float*> outputPointers;
+    std::array<int32_t, kMaxSidechains> sidechainIndex{};
+};
+
+}  // namespace BR

@@ -1,0 +1,13 @@
+// Subcommands that describe the catalogue and the parameter tables, and the real-time benchmark.
+#pragma once
+
+#include <string>
+
+namespace BR {
+
+int RunList();
+int RunParams(const std::string& stem);
+// Renders every available module and prints its real-time factor; seconds of audio per module.
+int RunBench(double seconds, double sampleRate, unsigned blockSize);
+
+}  // namespace BR

@@ -1,0 +1,76 @@
+// The corvane command: a headless host for listing modules, rendering offline and benchmarking.
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "CommandLine.h"
+#include "InfoCommands.h"
+#include "RenderJob.h"
+
+namespace {
+
+const char* kUsage =
+    "usage: corvane COMMAND [ARGS]\n"
+    "  list                      modules: id, stem, name, inputs, outputs\n"
+    "  params STEM               parameter table: index, name, unit, minimum, maximum, default\n"
+    "  render STEM [options]     render offline to a 32-bit float WAV\n"
+    "      --rate HZ  --block N  --frames N | --seconds S  --set \"NAME=VALUE\"...\n"
+    "      --in FILE.wav  --event FRAME:HEXBYTES...  --out FILE.wav\n"
+    "  bench [--seconds S] [--block N]   real-time factor of every module\n";
+
+int Dispatch(int argc, char** argv) {
+    if (argc < 2) throw BR::UsageError("no command given");
+    const std::string command = argv[1];
+    if (command == "help" || command == "--help" || command == "-h") {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    if (command == "list") {
+        if (argc > 2) throw BR::UsageError("list takes no arguments");
+        return BR::RunList();
+    }
+    if (command == "params") {
+        if (argc != 3) throw BR::UsageError("params needs exactly one module stem");
+        return BR::RunParams(argv[2]);
+    }
+    if (command == "render") {
+        const BR::RenderJob job = BR::ParseRenderJob(argc, argv, 2);
+        const int64_t frames = BR::RunRenderJob(job);
+        std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames, job.outputPath.c_str());
+        return 0;
+    }
+    if (command == "bench") {
+        double seconds = 10;
+        unsigned block = 256;
+        BR::ArgumentCursor cursor(argc, argv, 2);
+        std::string option;
+        while (cursor.Next(option)) {
+            if (option == "--seconds") {
+                seconds = BR::ParseNumber(cursor.Value(option), "--seconds");
+                if (seconds <= 0 || seconds > 3600)
+                    throw BR::UsageError("--seconds: must lie above 0 and up to 3600");
+            } else if (option == "--block") {
+                block = unsigned(BR::ParseInteger(cursor.Value(option), "--block", 1, 1024));
+            } else {
+                throw BR::UsageError("bench: unknown option \"" + option + "\"");
+            }
+        }
+        return BR::RunBench(seconds, 48000, block);
+    }
+    throw BR::UsageError("unknown command \"" + command + "\"");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Dispatch(argc, argv);
+    } catch (const BR::UsageError& e) {
+        std::fprintf(stderr, "corvane: %s\n%s", e.what(), kUsage);
+        return 2;
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "corvane: %s\n", e.what());
+        return 1;
+    }
+}

@@ -1,0 +1,34 @@
+// The factory of each built module, by stem. A new module adds one line here.
+#include "ModuleFactory.h"
+
+#include <cstring>
+
+#include "modules/simple/DC.h"
+
+namespace BR {
+
+namespace {
+struct FactoryRow {
+    const char* stem;
+    ModuleFactoryFunction factory;
+};
+
+const FactoryRow kFactories[] = {
+    {"dc", &BrelCorvaneDC::Create},
+};
+}  // namespace
+
+ModuleFactoryFunction FindModuleFactory(const CatalogueEntry& entry) {
+    for (const FactoryRow& row : kFactories)
+        if (std::strcmp(row.stem, entry.stem) == 0) return row.factory;
+    return nullptr;
+}
+
+std::unique_ptr<BrelCorvaneBase> CreateModule(const std::string& stemOrId) {
+    const CatalogueEntry* entry = FindCatalogueEntry(stemOrId);
+    if (!entry) return nullptr;
+    ModuleFactoryFunction factory = FindModuleFactory(*entry);
+    return factory ? std::unique_ptr<BrelCorvaneBase>(factory()) : nullptr;
+}
+
+}  // namespace BR

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Sets up, builds, and renders the DC demo: one second of a 500 ms slew to half scale.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+cmake --build build --target corvane
+mkdir -p out
+./build/host/corvane render dc --set "Output Positive L=0.5" --set "Smoothing L=500" --seconds 1 --out out/dc-demo.wav
+echo "DC demo written to $(pwd)/out/dc-demo.wav (48 kHz, 32-bit float, 2 channels)"
