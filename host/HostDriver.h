@@ -10,6 +10,7 @@
 
 #include "framework/BrelCorvaneBase.h"
 #include "framework/ModuleCatalogue.h"
+#include "host/DriverTransport.h"
 
 namespace BR {
 
@@ -49,7 +50,10 @@ public:
     int32_t NumHostInputs() const { return module->NumInputs(); }
     int32_t NumHostOutputs() const { return module->NumOutputs(); }
 
-    void SetTransport(HostTransport* transport) { currentTransport = transport; }
+    // The transport the module sees, or none (the module then plays at tempo 0 from position 0).
+    // Process advances it after each block it renders.
+    void SetTransport(DriverTransport* transport) { currentTransport = transport; }
+    DriverTransport* Transport() const { return currentTransport; }
 
     // Renders `frames` (cut into blocks of at most the maximum block size). `inputs` has
     // NumHostInputs() channels (null entries read silence), `outputs` NumHostOutputs(). MIDI frames are
@@ -70,7 +74,7 @@ private:
     const CatalogueEntry& entry;
     DriverController controller;
     uint32_t maxBlockSize;
-    HostTransport* currentTransport = nullptr;
+    DriverTransport* currentTransport = nullptr;
     BrelCorvaneBase* instanceSlot = nullptr;
     std::vector<HostMidiPacket> packets;
     std::vector<float> zeros;

@@ -7,6 +7,7 @@
 
 #include "CommandLine.h"
 #include "WavFile.h"
+#include "host/DriverTransport.h"
 #include "modules/ModuleFactory.h"
 
 namespace BR {
@@ -54,6 +55,42 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
             job.inputPath = cursor.Value(option);
         } else if (option == "--event") {
             job.events.push_back(ParseEvent(cursor.Value(option)));
+        } else if (option == "--tempo") {
+            job.tempo = ParseNumber(cursor.Value(option), "--tempo");
+            if (job.tempo <= 0 || job.tempo > 999)
+                throw UsageError("--tempo: must lie above 0 and up to 999 BPM");
+        } else if (option == "--position") {
+            job.position = ParseNumber(cursor.Value(option), "--position");
+        } else if (option == "--meter") {
+            const std::string text = cursor.Value(option);
+            const size_t slash = text.find('/');
+            if (slash == std::string::npos)
+                throw UsageError("--meter \"" + text + "\": expected N/D, e.g. 6/8");
+            job.meterNumerator = int32_t(ParseInteger(text.substr(0, slash), "--meter numerator", 1, 64));
+            job.meterDenominator =
+                int32_t(ParseInteger(text.substr(slash + 1), "--meter denominator", 1, 64));
+        } else if (option == "--stopped") {
+            job.playing = false;
+        } else if (option == "--no-transport") {
+            job.transport = false;
+        } else if (option == "--transport") {
+            const std::string text = cursor.Value(option);
+            const size_t colon = text.find(':');
+            const std::string state = colon == std::string::npos ? "" : text.substr(colon + 1);
+            if (state != "play" && state != "stop")
+                throw UsageError("--transport \"" + text + "\": expected FRAME:play or FRAME:stop");
+            job.transportChanges.push_back(
+                {uint64_t(ParseInteger(text.substr(0, colon), "--transport frame", 0, INT64_MAX)),
+                 state == "play"});
+        } else if (option == "--loop") {
+            const std::string text = cursor.Value(option);
+            const size_t colon = text.find(':');
+            if (colon == std::string::npos)
+                throw UsageError("--loop \"" + text + "\": expected START:END in quarter notes");
+            job.loopStart = ParseNumber(text.substr(0, colon), "--loop start");
+            job.loopEnd = ParseNumber(text.substr(colon + 1), "--loop end");
+            if (job.loopEnd <= job.loopStart) throw UsageError("--loop: the end must lie after the start");
+            job.looping = true;
         } else if (option == "--out") {
             job.outputPath = cursor.Value(option);
         } else {
@@ -145,8 +182,33 @@ int64_t RunRenderJob(const RenderJob& job) {
     std::vector<TimedMidi> blockMidi;
     size_t nextEvent = 0;
 
+    DriverTransport transport;
+    transport.sampleRate = job.sampleRate;
+    transport.tempo = job.tempo;
+    transport.playing = job.playing;
+    transport.meterNumerator = job.meterNumerator;
+    transport.meterDenominator = job.meterDenominator;
+    transport.looping = job.looping;
+    transport.loopStart = job.loopStart;
+    transport.loopEnd = job.loopEnd;
+    transport.blockQuarter = job.position;
+    transport.blockSampleLocation = int64_t(std::llround(job.position * 60.0 * job.sampleRate / job.tempo));
+    if (job.transport) driver.SetTransport(&transport);
+    std::vector<TransportChange> changes = job.transportChanges;
+    std::stable_sort(changes.begin(), changes.end(),
+                     [](const auto& a, const auto& b) { return a.frame < b.frame; });
+    size_t nextChange = 0;
+
     for (int64_t done = 0; done < frames;) {
-        const uint32_t n = uint32_t(std::min<int64_t>(job.blockSize, frames - done));
+        // A host cuts its blocks where the transport starts, stops or wraps round the loop.
+        while (nextChange < changes.size() && changes[nextChange].frame <= uint64_t(done))
+            transport.playing = changes[nextChange++].play;
+        int64_t limit = std::min<int64_t>(job.blockSize, frames - done);
+        if (nextChange < changes.size())
+            limit = std::min<int64_t>(limit, int64_t(changes[nextChange].frame) - done);
+        const int64_t untilLoopEnd = transport.FramesUntilLoopEnd();
+        if (untilLoopEnd > 0) limit = std::min(limit, untilLoopEnd);
+        const uint32_t n = uint32_t(limit);
         for (size_t c = 0; c < numIn; ++c) {
             const bool has = c < input.channels.size() && size_t(done) + n <= input.Frames();
             in[c] = has ? input.channels[c].data() + done : nullptr;

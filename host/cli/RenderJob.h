@@ -15,6 +15,11 @@ struct MidiEventSpec {
     std::vector<uint8_t> bytes;
 };
 
+struct TransportChange {
+    uint64_t frame;
+    bool play;
+};
+
 struct RenderJob {
     std::string stem;
     double sampleRate = 48000;
@@ -25,6 +30,15 @@ struct RenderJob {
     std::string inputPath;
     std::vector<MidiEventSpec> events;
     std::string outputPath;
+    // Transport: a playing 4/4 at 120 BPM from quarter note 0 unless told otherwise.
+    bool transport = true;
+    double tempo = 120;
+    double position = 0;  // quarter notes
+    int32_t meterNumerator = 4, meterDenominator = 4;
+    bool playing = true;
+    std::vector<TransportChange> transportChanges;
+    bool looping = false;
+    double loopStart = 0, loopEnd = 0;  // quarter notes
 };
 
 // Parses "render STEM [options]" from argv[first] on; throws UsageError.
