@@ -2,7 +2,8 @@
 // are cut at 31 characters, and table index k is parameter index k + 1.
 #include <gtest/gtest.h>
 
-#include "tests/support/ProbeModule.h"
+#include "host/HostDriver.h"
+#include "tests/support/TableModule.h"
 
 namespace {
 BR::ParameterDefinition duplicateTable[] = {
@@ -14,20 +15,10 @@ BR::ParameterDefinition duplicateTable[] = {
 float values[4];
 BR::PresetDefinition smallPresets[] = {{"Defaults", 0, values}};
 
-class Small : public BrelCorvaneBase {
-public:
-    Small() : BrelCorvaneBase(BR::ModuleConfig{2, 2, 0, 0, 3, 1, smallPresets, 4, duplicateTable, -1}) {
-        Small::InitModule();
-    }
-    uint32_t GetParameterFlags(int32_t) override { return 0; }
-    int32_t GetParameterDisplayString(BR::DisplayStringRequest&) override { return BR::kErrInvalidParameter; }
-    const char* GetModuleName() const override { return "Corvane Small"; }
-    const char* GetGuiScriptName() const override { return "gui_small.lua"; }
-};
 }  // namespace
 
 TEST(EffectInit, MasterBypassAtZeroWithItsTexts) {
-    Small module;
+    BR::Test::TableModule module(duplicateTable, 4, smallPresets, 1, 3);
     BR::DriverController controller;
     module.Initialize(&controller, nullptr, nullptr);
     const BR::Parameter* bypass = module.GetParameter(0);
@@ -42,7 +33,7 @@ TEST(EffectInit, MasterBypassAtZeroWithItsTexts) {
 }
 
 TEST(EffectInit, RepeatedNameIsSkippedAndLongIdentifiersAreCut) {
-    Small module;
+    BR::Test::TableModule module(duplicateTable, 4, smallPresets, 1, 3);
     BR::DriverController controller;
     module.Initialize(&controller, nullptr, nullptr);
     ASSERT_EQ(module.GetNumberOfParameters(), 4);  // bypass, Level, the long one, OSC Port Offset

@@ -2,7 +2,8 @@
 // a mapping saved by index would now reach another row. New rows go at the end.
 #include <gtest/gtest.h>
 
-#include "tests/support/ProbeModule.h"
+#include "host/HostDriver.h"
+#include "tests/support/TableModule.h"
 
 namespace {
 BR::ParameterDefinition original[] = {{"A", 0, 0, 1, 0}, {"B", 0, 0, 1, 0}, {"C", 0, 0, 1, 0}};
@@ -13,22 +14,11 @@ BR::ParameterDefinition appended[] = {
 float v1[3], v2[4], v3[4];
 BR::PresetDefinition p1[] = {{"Defaults", 0, v1}}, p2[] = {{"Defaults", 0, v2}}, p3[] = {{"Defaults", 0, v3}};
 
-class Table : public BrelCorvaneBase {
-public:
-    Table(BR::ParameterDefinition* table, int32_t rows, BR::PresetDefinition* presets)
-        : BrelCorvaneBase(BR::ModuleConfig{2, 2, 0, 0, -1, 1, presets, rows, table, -1}) {
-        Table::InitModule();
-    }
-    uint32_t GetParameterFlags(int32_t) override { return 0; }
-    int32_t GetParameterDisplayString(BR::DisplayStringRequest&) override { return BR::kErrInvalidParameter; }
-    const char* GetModuleName() const override { return "Corvane Table"; }
-    const char* GetGuiScriptName() const override { return "gui_table.lua"; }
-};
 }  // namespace
 
 TEST(TableOrder, InsertingARowMovesLaterIndices) {
     BR::DriverController controller;
-    Table before(original, 3, p1), middle(inserted, 4, p2), end(appended, 4, p3);
+    BR::Test::TableModule before(original, 3, p1), middle(inserted, 4, p2), end(appended, 4, p3);
     before.Initialize(&controller, nullptr, nullptr);
     middle.Initialize(&controller, nullptr, nullptr);
     end.Initialize(&controller, nullptr, nullptr);
