@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "modules/sequencing/Trigger.h"
 #include "modules/simple/DC.h"
 
 namespace BR {
@@ -15,6 +16,7 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     {"dc", &BrelCorvaneDC::Create},
+    {"trigger", &BrelCorvaneTrigger::Create},
 };
 }  // namespace
 
