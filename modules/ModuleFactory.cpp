@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "modules/sequencing/StepLFO.h"
 #include "modules/sequencing/Trigger.h"
 #include "modules/simple/DC.h"
 
@@ -16,6 +17,7 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     {"dc", &BrelCorvaneDC::Create},
+    {"steplfo", &BrelCorvaneStepLFO::Create},
     {"trigger", &BrelCorvaneTrigger::Create},
 };
 }  // namespace
