@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "modules/sequencing/StepLFO.h"
+#include "modules/sequencing/Trigger.h"
 #include "modules/simple/DC.h"
 
 namespace BR {
@@ -15,6 +17,8 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     {"dc", &BrelCorvaneDC::Create},
+    {"steplfo", &BrelCorvaneStepLFO::Create},
+    {"trigger", &BrelCorvaneTrigger::Create},
 };
 }  // namespace
 

@@ -1,0 +1,120 @@
+// Step LFO rendered through RenderAudio: both lanes free with interpolation and the random register,
+// locked to a swung transport, and stepped by trigger edges; against a plain phase-accumulator loop.
+#include "BenchSupport.h"
+#include "host/DriverTransport.h"
+
+namespace {
+
+void SetRate(benchmark::State& state, uint32_t block) {
+    state.SetItemsProcessed(int64_t(state.iterations()) * block);
+    state.counters["ns_per_frame"] = benchmark::Counter(
+        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void Steps(BR::HostDriver& driver) {
+    for (const char* lane : {"L", "R"})
+        for (int k = 1; k <= 16; ++k)
+            driver.SetParameterByName("Step " + std::to_string(k) + " " + lane, 0.1f * float(k % 7) - 0.3f);
+}
+
+void Render(benchmark::State& state, BR::Bench::ModuleRig& rig, uint32_t block) {
+    for (auto _ : state) {
+        rig.Render();
+        benchmark::DoNotOptimize(rig.out[0].data());
+        benchmark::DoNotOptimize(rig.out[1].data());
+        benchmark::ClobberMemory();
+    }
+    SetRate(state, block);
+}
+
+void BM_StepLFOFree(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    BR::Bench::ModuleRig rig("steplfo", block);
+    Steps(*rig.driver);
+    for (const char* lane : {"L", "R"}) {
+        const std::string s = lane;
+        rig.driver->SetParameterByName("Sync " + s, 0.0f);
+        rig.driver->SetParameterByName("Speed " + s, 20.0f);
+        rig.driver->SetParameterByName("Speed Multiplier " + s, 2.0f);  // 200 steps a second
+        rig.driver->SetParameterByName("Interpolation " + s, 1.0f);
+    }
+    rig.driver->SetParameterByName("Random Enable L", 1.0f);
+    Render(state, rig, block);
+}
+
+void BM_StepLFOTransportSwing(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    BR::Bench::ModuleRig rig("steplfo", block);
+    BR::DriverTransport transport;
+    transport.tempo = 140.0;
+    rig.driver->SetTransport(&transport);
+    Steps(*rig.driver);
+    for (const char* lane : {"L", "R"}) {
+        const std::string s = lane;
+        rig.driver->SetParameterByName("Swing " + s, 66.0f);
+        rig.driver->SetParameterByName("Beat Divisor " + s, 5.0f);
+        rig.driver->SetParameterByName("Smoothing " + s, 1.0f);
+    }
+    Render(state, rig, block);
+}
+
+void BM_StepLFOTriggerInputs(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    BR::Bench::ModuleRig rig("steplfo", block);
+    Steps(*rig.driver);
+    for (const char* lane : {"L", "R"}) {
+        const std::string s = lane;
+        rig.driver->SetParameterByName("Sync " + s, 4.0f);
+        rig.driver->SetParameterByName("Speed " + s, 20.0f);
+        rig.driver->SetParameterByName("Speed Multiplier " + s, 3.0f);
+        rig.driver->SetParameterByName("Trigger Input " + s, 1.0f);  // the rig's sine input
+        rig.driver->SetParameterByName("Reset Input " + s, 2.0f);
+    }
+    Render(state, rig, block);
+}
+
+// Two lanes of phase accumulator, one table read and the multiply-adds, with no framework around it.
+void BM_PlainLoop(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    std::vector<float> table(96), out[2] = {std::vector<float>(block), std::vector<float>(block)};
+    for (int k = 0; k < 96; ++k)
+        table[size_t(k)] = 0.1f * float(k % 7) - 0.3f;
+    double phase[2] = {0.0, 0.25};
+    double increment = 200.0 / 16.0 / 48000.0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(increment);
+        for (int lane = 0; lane < 2; ++lane) {
+            double p = phase[lane];
+            float* y = out[lane].data();
+            for (uint32_t i = 0; i < block; ++i) {
+                const float pos = float(p) * 16.0f;
+                y[i] = table[size_t(int(pos))] * 1.0f + 0.0f;
+                p += increment;
+                if (p >= 1.0) p -= 1.0;
+            }
+            phase[lane] = p;
+        }
+        benchmark::DoNotOptimize(out[0].data());
+        benchmark::DoNotOptimize(out[1].data());
+        benchmark::ClobberMemory();
+    }
+    SetRate(state, block);
+}
+
+BENCHMARK(BM_StepLFOFree)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_StepLFOTransportSwing)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_StepLFOTriggerInputs)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainLoop)->Arg(32)->Arg(256)->Arg(1024);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return BR::Bench::RunWithRatios(argc, argv,
+                                    {{"BM_StepLFOFree/32", "BM_PlainLoop/32"},
+                                     {"BM_StepLFOFree/256", "BM_PlainLoop/256"},
+                                     {"BM_StepLFOFree/1024", "BM_PlainLoop/1024"},
+                                     {"BM_StepLFOTransportSwing/256", "BM_PlainLoop/256"},
+                                     {"BM_StepLFOTransportSwing/1024", "BM_PlainLoop/1024"},
+                                     {"BM_StepLFOTriggerInputs/256", "BM_PlainLoop/256"},
+                                     {"BM_StepLFOTriggerInputs/1024", "BM_PlainLoop/1024"}});
+}

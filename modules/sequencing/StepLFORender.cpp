@@ -1,0 +1,280 @@
+// Step LFO on the audio thread: register edits, the trigger and reset edge scan, resets and triggers,
+// swing splitting, and the per-sample step loop with its random register.
+#include <algorithm>
+#include <cmath>
+
+#include "StepLFO.h"
+#include "modules/sequencing/EdgeScan.h"
+
+namespace BrelCorvaneStepLFO {
+
+namespace {
+
+constexpr BR::GateThresholds kInputThresholds{0.21f, 0.19f};  // hysteresis of the trigger and reset inputs
+
+// Where in the loop the render loop is at a phase, after the asymmetry: the fraction u in 0..1.
+struct Asymmetry {
+    float a, f1, f2;
+    explicit Asymmetry(float asymmetry)
+        : a(asymmetry),
+          f1(asymmetry <= 0.0f ? 0.0f : 0.5f / asymmetry),
+          f2(asymmetry >= 1.0f ? 0.0f : 0.5f / (1.0f - asymmetry)) {}
+    float Position(float p) const {
+        if (p >= a) {
+            const float u = p * f2 + 1.0f - f2;
+            return u >= 1.0f ? u - 1.0f : u;
+        }
+        return p * f1;
+    }
+};
+
+int32_t StepOf(float pos, int32_t count) {
+    return std::clamp(int32_t(pos), 0, count - 1);
+}
+
+}  // namespace
+
+int32_t BrelCorvane::StepAt(int lane, double phase) const {
+    const LaneSettings& c = settings[lane];
+    const float pos = Asymmetry(c.asymmetry).Position(float(phase)) * float(c.stepCount);
+    return c.startIndex + StepOf(pos, c.stepCount);
+}
+
+double BrelCorvane::PhaseOfStepStart(int lane, int32_t relativeStep) const {
+    const LaneSettings& c = settings[lane];
+    const int32_t n = c.stepCount;
+    const int32_t step = ((relativeStep % n) + n) % n;
+    const double u = double(step) / n;
+    const Asymmetry map(c.asymmetry);
+    double phase = 0.0;
+    if (u < 0.5 && map.f1 > 0.0f) {
+        phase = u / map.f1;
+    } else if (u >= 0.5 && map.f2 > 0.0f) {
+        phase = (u - 1.0 + map.f2) / map.f2;
+    }
+    phase = phase - std::floor(phase);
+    // The float arithmetic of the render loop may place the exact start a hair into the step before;
+    // move up by the least amount that lands in the step.
+    const int32_t wanted = c.startIndex + step;
+    for (int i = 0; i < 40; ++i) {
+        const double nudged = phase + (i == 0 ? 0.0 : std::ldexp(1.0, i - 48));
+        if (nudged < 1.0 && StepAt(lane, nudged) == wanted) return nudged;
+    }
+    return phase;
+}
+
+void BrelCorvane::ApplyEdits() {
+    while (BR::MessageQueueItem* item = editQueue.Read()) {
+        if (item->channel < kNumLanes)
+            lanes[item->channel].random.ApplyEdit(item->dataByte1, item->dataByte2);
+    }
+}
+
+void BrelCorvane::HandleTriggerReset(int lane, bool trigger, bool reset) {
+    const LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const int32_t n = c.stepCount;
+    const double x = st.phase * n;
+    const double s = std::floor(x);
+    const bool triggered = c.syncMode == kTrigFree || c.syncMode == kTrigTempo;
+
+    if (reset) {
+        // "Reset By Note" also chooses the kind of reset for the reset input; "Off" does not stop it.
+        int32_t kind = c.resetKind;
+        if (c.syncMode == kTransport) {
+            if (kind == kResetClosest) kind = x - s <= 0.5 ? kResetInstant : kResetDelayed;
+            if (kind == kResetDelayed) {
+                st.pendingPhase = c.startPhase;
+                st.pendingReset = true;
+                st.pendingOffset = st.phaseOffset - (s + 1.0) / n;
+            } else if (kind == kResetInstant) {
+                st.phaseOffset -= s / n;
+            } else {
+                st.phaseOffset -= st.phase;
+            }
+        } else if (triggered) {
+            if (kind == kResetDelayed) {
+                st.pendingPhase = c.startPhase;
+                st.pendingReset = true;
+            } else {
+                st.phase = c.startPhase;
+                st.currentStep = StepAt(lane, st.phase);
+                st.increment = c.rate;
+            }
+        } else {
+            st.phase = c.startPhase;  // the other modes know no delay
+        }
+    }
+
+    if (trigger) {
+        if (st.pendingReset) {
+            st.pendingReset = false;
+            st.phase = st.pendingPhase;
+        } else {
+            // On to the start of the step after the one that last played.
+            const int32_t played = st.currentStep - c.startIndex;
+            const int32_t from = played >= 0 && played < n ? played : int32_t(s);
+            st.phase = PhaseOfStepStart(lane, from + 1);
+        }
+        st.currentStep = StepAt(lane, st.phase);
+        st.increment = c.rate;
+    }
+}
+
+void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames) {
+    ApplyEdits();
+    const float* line[4];
+    bool anyLine = false;
+    for (int lane = 0; lane < kNumLanes; ++lane) {
+        const int32_t trigger = settings[lane].triggerInput, reset = settings[lane].resetInput;
+        line[2 * lane] = trigger ? inputs[trigger - 1] : nullptr;
+        line[2 * lane + 1] = reset ? inputs[reset - 1] : nullptr;
+        anyLine = anyLine || trigger || reset;
+    }
+    if (!anyLine) {
+        for (int lane = 0; lane < kNumLanes; ++lane)
+            RenderLane(lane, inputs, outputs, 0, frames);
+        PublishStatus();
+        return;
+    }
+
+    // Each line's next rising edge; the earliest acts first, on all lines that rise on that sample.
+    uint32_t next[4];
+    for (int l = 0; l < 4; ++l)
+        next[l] = line[l] ? BR::NextRisingEdge(line[l], 0, frames, inputGate[l], kInputThresholds) : frames;
+    uint32_t rendered = 0;
+    for (;;) {
+        const uint32_t edge = *std::min_element(next, next + 4);
+        if (edge >= frames) break;
+        bool fired[4];
+        for (int l = 0; l < 4; ++l)
+            fired[l] = next[l] == edge;
+        HandleTriggerReset(0, fired[0], fired[1]);
+        HandleTriggerReset(1, fired[2], fired[3]);
+        // The samples since the last rendering, the edge's own included, come out in the new state.
+        for (int lane = 0; lane < kNumLanes; ++lane)
+            RenderLane(lane, inputs, outputs, rendered, edge + 1 - rendered);
+        rendered = edge + 1;
+        for (int l = 0; l < 4; ++l)
+            if (fired[l])
+                next[l] = BR::NextRisingEdge(line[l], edge + 1, frames, inputGate[l], kInputThresholds);
+    }
+    if (rendered < frames)
+        for (int lane = 0; lane < kNumLanes; ++lane)
+            RenderLane(lane, inputs, outputs, rendered, frames - rendered);
+    PublishStatus();
+}
+
+void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames) {
+    if (frames == 0) return;
+    LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const float* x = c.signalInput ? inputs[c.signalInput - 1] + from : nullptr;
+    float* out = outputs[lane] + from;
+
+    if (c.swingAmount < 0.0f) {
+        RenderSteps(lane, x, out, frames);
+    } else {
+        // Cut at the swing boundaries: the long part of each swing period runs slower, the short one faster.
+        const double amount = c.swingAmount, period = c.swingPeriod;
+        double swingPhase = c.swingPhase;
+        double increment = st.increment;
+        uint32_t done = 0;
+        while (done < frames) {
+            int64_t k;
+            double w;
+            if (swingPhase >= amount) {
+                k = int64_t((1.0 - swingPhase) * period + 1.0);
+                w = 1.0 - amount;
+            } else {
+                k = int64_t((amount - swingPhase) * period + 1.0);
+                w = amount;
+            }
+            const uint32_t m = uint32_t(std::clamp<int64_t>(k, 1, frames - done));
+            st.increment = increment * 0.5 / w;
+            RenderSteps(lane, x ? x + done : nullptr, out + done, m);
+            if (st.increment == 0.0) increment = 0.0;  // a triggered lane stopped at a step boundary
+            swingPhase += m / period;
+            if (swingPhase >= 1.0) swingPhase -= 1.0;
+            done += m;
+        }
+        st.increment = increment;
+        c.swingPhase = swingPhase;  // a later sub-block of this host block goes on from here
+    }
+    st.smoother.Process(out, int32_t(frames));
+    st.phase -= std::floor(st.phase);
+}
+
+void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t frames) {
+    const LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const Asymmetry map(c.asymmetry);
+    const float floorValue = c.bipolar ? -1e6f : 0.0f;  // in Unipolar range negative steps count as 0
+    const int32_t count = c.stepCount, start = c.startIndex;
+    const bool triggered = c.syncMode == kTrigFree || c.syncMode == kTrigTempo;
+    const float* steps = stepValues[lane];
+    const float multiplier = c.multiplier, offset = c.offset, gateLength = c.gateLength;
+    const float stepGain = c.stepGain, inputGain = c.inputGain, productGain = c.productGain;
+    const bool linear = c.linear;
+    double phase = st.phase, increment = st.increment;
+    int32_t current = st.currentStep;
+    float u = 0.0f;
+
+    for (uint32_t i = 0; i < frames; ++i) {
+        float pos;
+        int32_t s, next, index;
+        for (;;) {
+            u = map.Position(float(phase));
+            pos = u * float(count);
+            s = StepOf(pos, count);
+            next = s + 1 >= count ? 0 : s + 1;
+            index = s + start;
+            if (index == current) break;
+            // A step boundary.
+            current = index;
+            if (c.random.randomEnabled) {
+                const float value = st.random.Step(c.random, dacBitValues[lane]);
+                stepValues[lane][c.random.setNext ? start + next : index] = value;
+            }
+            if (triggered) {
+                // Stop one sample short of the boundary until the next trigger. Going back re-enters the
+                // step before, so the boundary logic, random step included, runs a second time.
+                phase -= increment;
+                if (phase < 0.0) phase += 1.0;
+                increment = 0.0;
+                continue;
+            }
+            if (st.pendingReset) {
+                phase = st.pendingPhase;
+                st.phaseOffset = st.pendingOffset;
+                st.pendingReset = false;
+                continue;
+            }
+            break;
+        }
+        float v = steps[index];
+        if (linear) v += (steps[start + next] - v) * (pos - float(s));  // wraps to the loop's first step
+        v = std::max(v, floorValue);
+        if (pos - float(s) > gateLength) v = 0.0f;
+        phase += increment;
+        if (phase >= 1.0) phase -= 1.0;
+        v = v * multiplier + offset;
+        const float in = x ? x[i] : 0.0f;
+        out[i] = v * stepGain + in * inputGain + v * in * productGain;
+    }
+    st.phase = phase;
+    st.increment = increment;
+    st.currentStep = current;
+    st.displayPosition = float(start) + u * float(count);
+}
+
+void BrelCorvane::PublishStatus() {
+    StepLFOStatus& shown = status.As<StepLFOStatus>();
+    for (int lane = 0; lane < kNumLanes; ++lane) {
+        shown.displayPosition[lane] = lanes[lane].displayPosition;
+        shown.currentStep[lane] = lanes[lane].currentStep;
+        shown.registerBits[lane] = lanes[lane].random.registerBits;
+    }
+}
+
+}  // namespace BrelCorvaneStepLFO
