@@ -244,6 +244,11 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
     if (value.contains("state")) instance.statePath = Resolve(Text(value["state"], place + ".state"));
     instance.outPath =
         Resolve(value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav");
+    const std::filesystem::path outFolder = std::filesystem::path(instance.outPath).parent_path();
+    std::error_code ec;
+    if (!outFolder.empty() && !std::filesystem::is_directory(outFolder, ec))
+        Fail(place + ".out",
+             "there is no folder \"" + outFolder.string() + "\" to write \"" + instance.outPath + "\" in");
     const auto [other, fresh] = outs.emplace(instance.outPath, place);
     if (!fresh)
         Fail(place + ".out", "\"" + instance.outPath + "\" is written by " + other->second + " already");

@@ -93,6 +93,8 @@ TEST(CliPatchErrors, NameThePlace) {
     ExpectRefused(
         f, R"({"instances": [{"name": "a", "module": "dc"}, {"name": "b", "module": "dc", "out": "a.wav"}]})",
         "instances[1].out: \"" + f + "/a.wav\" is written by instances[0] already");
+    ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc", "out": "no/such/a.wav"}]})",
+                  "instances[0].out: there is no folder \"" + f + "/no/such\"");
 
     const auto result = BR::Test::RunCorvane("patch " + f + "/none.json");
     EXPECT_EQ(result.status, 2);
