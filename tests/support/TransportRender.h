@@ -31,6 +31,15 @@ inline void PlaceTransport(DriverTransport& transport, double quarter) {
                             : 0;
 }
 
+// A playing 4/4 transport at a tempo and sample rate, placed at a position in quarter notes.
+inline DriverTransport MakeTransport(double sampleRate, double tempo, double quarter) {
+    DriverTransport transport;
+    transport.sampleRate = sampleRate;
+    transport.tempo = tempo;
+    PlaceTransport(transport, quarter);
+    return transport;
+}
+
 // Renders `frames` with block lengths taken in turn from `blockSizes`, each block also ending at the
 // loop end and at the next transport change. MIDI frames are absolute.
 inline Channels RenderWithTransport(HostDriver& driver, DriverTransport& transport, uint32_t frames,
