@@ -201,10 +201,12 @@ void BrelCorvane::ReadSettings() {
     } else {
         runInterval = 0;
     }
+    settingsFresh = true;
 }
 
 void BrelCorvane::BeginSlice(uint32_t, uint32_t) {
-    ReadSettings();
+    // Values read by BeginBlock or a BeginSlice with no chunk rendered since are still the current ones.
+    if (!settingsFresh) ReadSettings();
 }
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
@@ -436,6 +438,7 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
 
         BeginSlice(length, 0);
         RenderChunk(inputs, outputs, uint32_t(pos), length);
+        settingsFresh = false;
 
         if (clockPhase != kPhaseRest) {
             phaseSamples -= int32_t(length);

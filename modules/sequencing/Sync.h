@@ -102,6 +102,7 @@ private:
     double ToSwung(double x) const;
 
     SyncSettings settings{};
+    bool settingsFresh = false;  // read since the last chunk was rendered: the next BeginSlice may skip
 
     // Transport, read once a block.
     bool playing = false;
