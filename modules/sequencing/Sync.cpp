@@ -58,7 +58,8 @@ constexpr int64_t kNever = std::numeric_limits<int64_t>::max();
 constexpr double kTickLimit = 1073741824.0;
 
 int32_t TickNumber(double x) {
-    return int32_t(std::clamp(x, -kTickLimit, kTickLimit));
+    if (!(x > -kTickLimit)) return x != x ? 0 : int32_t(-kTickLimit);
+    return int32_t(std::min(x, kTickLimit));
 }
 
 // (int) of a product that should be whole, forgiving the last bits of float noise.
@@ -131,7 +132,8 @@ struct BrelCorvane::TickClock {
     int64_t OffsetOf(int32_t t) const {
         const double place = sync.swingOn ? sync.ToSwung(double(t)) : double(t);
         const double samples = (place - now) * perTick + 0.5;
-        return samples <= 0.0 ? 0 : int64_t(std::min(samples, 4.0e18));
+        if (samples < 4.0e18) return samples <= 0.0 ? 0 : int64_t(samples);
+        return int64_t(4.0e18);  // too far to matter, or not a number
     }
 };
 
@@ -227,6 +229,7 @@ void BrelCorvane::ReadTransport() {
     if (const BR::HostTransport* transport = Transport()) {
         playing = transport->IsTransportPlaying();
         tempo = transport->GetCurrentTempo();
+        if (!std::isfinite(tempo)) tempo = 0.0;  // a tempo that is not a number places no ticks
         const int64_t location = transport->GetCurrentNativeSampleLocation();
         position = double(transport->GetCustomTickPosition(location)) * BR::kBeatsPerTick;
         int32_t numerator = 4, denominator = 4;

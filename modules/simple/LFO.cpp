@@ -130,6 +130,7 @@ bool BrelCorvane::BeginBlock(uint32_t frames) {
         playing = transport->IsTransportPlaying();
         tempo = transport->GetCurrentTempo();
         beats = BR::CurrentBeatPosition(transport);
+        if (!std::isfinite(tempo)) tempo = 0.0;  // a tempo that is not a number derives no rate
     }
     double passRateHz = 0.0;  // "Quadrature" on R takes the rate of L from this pass; on L it has none
     for (int c = 0; c < 2; ++c)
@@ -258,7 +259,8 @@ void BrelCorvane::RenderChannel(int c, const float* x, float* y, uint32_t frames
             t += n / perUnit;
             if (t >= 1.0) t -= 1.0;
         }
-        const uint32_t run = uint32_t(std::min(n, double(frames - done)));
+        const uint32_t left = frames - done;
+        const uint32_t run = n < double(left) ? uint32_t(n) : left;
         RenderWave(c, x + done, y + done, run, (0.5 / g) * set.rate);
         done += run;
     }
@@ -285,7 +287,8 @@ void RenderWaveLoop(const WaveMix& m, LfoChannelState& run, const float* x, floa
         const float triangle = std::min(p * 4.0f - 1.0f, 3.0f - p * 4.0f);
         phase += rate;
         const bool wrap = phase - 1.0 >= 0.0;
-        if (wrap) phase -= 1.0;
+        // Falls by one cycle; by more only at rates above a cycle a sample, which stay in range so.
+        if (wrap) phase -= phase < 2.0 ? 1.0 : std::floor(phase);
         seed = BR::NextRandomState(seed);
         const float noise = BR::RandomStateToFloat(seed);
         if (wrap) held = noise;
