@@ -8,16 +8,23 @@
 #include "tests/support/TransportRender.h"
 
 namespace {
-std::vector<uint32_t> SwungEdges(float swing, float type, const std::vector<uint32_t>& blocks,
-                                 BrelCorvaneSync::BrelCorvane** module = nullptr) {
-    static std::unique_ptr<BR::HostDriver> keep;
-    keep = BR::Test::MakeDriver("sync", 48000.0f);
-    keep->SetParameterByName("DINsync Type", 1.0f);
-    keep->SetParameterByName("Swing", swing);
-    keep->SetParameterByName("Swing Type", type);
-    if (module) *module = &static_cast<BrelCorvaneSync::BrelCorvane&>(keep->Module());
+struct Swung {
+    std::unique_ptr<BR::HostDriver> driver;
+    std::vector<uint32_t> edges;
+    BrelCorvaneSync::BrelCorvane& Sync() {
+        return static_cast<BrelCorvaneSync::BrelCorvane&>(driver->Module());
+    }
+};
+
+Swung RenderSwung(float swing, float type, const std::vector<uint32_t>& blocks) {
+    Swung result{BR::Test::MakeDriver("sync", 48000.0f), {}};
+    result.driver->SetParameterByName("DINsync Type", 1.0f);
+    result.driver->SetParameterByName("Swing", swing);
+    result.driver->SetParameterByName("Swing Type", type);
     BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 120.0, 0.0);
-    return BR::Test::RisingEdges(BR::Test::RenderWithTransport(*keep, transport, 36000, blocks)[0]);
+    result.edges =
+        BR::Test::RisingEdges(BR::Test::RenderWithTransport(*result.driver, transport, 36000, blocks)[0]);
+    return result;
 }
 }  // namespace
 
@@ -30,17 +37,17 @@ TEST(SyncSwing, SixteenthSwingPlacesTicks) {
             expected.push_back(unit + 2400 + 800 * j);
     }
     for (const auto& blocks : std::vector<std::vector<uint32_t>>{{256}, {1000}, {37, 999}}) {
-        BrelCorvaneSync::BrelCorvane* sync = nullptr;
-        EXPECT_EQ(SwungEdges(60.0f, 0.0f, blocks, &sync), expected) << blocks.front();
-        EXPECT_TRUE(sync->SwingOn());
-        EXPECT_FLOAT_EQ(sync->SwingAmount(), 0.6f);
-        EXPECT_EQ(sync->SwingUnit(), 12.0);
+        Swung run = RenderSwung(60.0f, 0.0f, blocks);
+        EXPECT_EQ(run.edges, expected) << blocks.front();
+        EXPECT_TRUE(run.Sync().SwingOn());
+        EXPECT_FLOAT_EQ(run.Sync().SwingAmount(), 0.6f);
+        EXPECT_EQ(run.Sync().SwingUnit(), 12.0);
     }
 }
 
 TEST(SyncSwing, EighthSwingUsesWholeBeat) {
     // Type "8": U = 24 ticks; tick 1 of the unit at 2 * 0.6 * 1/24 of 24000 samples = 1200.
-    const auto edges = SwungEdges(60.0f, 1.0f, {256});
+    const auto edges = RenderSwung(60.0f, 1.0f, {256}).edges;
     ASSERT_GE(edges.size(), 14u);
     EXPECT_EQ(edges[1], 1200u);
     EXPECT_EQ(edges[12], 14400u);  // the middle of the unit, 0.6 of it
@@ -51,12 +58,13 @@ TEST(SyncSwing, WithinATenthOfFiftyIsOff) {
     std::vector<uint32_t> straight;
     for (uint32_t i = 0; i < 36000; i += 1000)
         straight.push_back(i);
-    BrelCorvaneSync::BrelCorvane* sync = nullptr;
-    EXPECT_EQ(SwungEdges(50.0f, 0.0f, {256}, &sync), straight);
-    EXPECT_FALSE(sync->SwingOn());
-    EXPECT_EQ(SwungEdges(50.1f, 0.0f, {256}, &sync), straight);
-    EXPECT_FALSE(sync->SwingOn());
-    const auto swung = SwungEdges(50.2f, 0.0f, {256}, &sync);
-    EXPECT_TRUE(sync->SwingOn());
-    EXPECT_EQ(swung[1], 1004u);  // 2 * 0.502 * 1/12 of 12000
+    Swung fifty = RenderSwung(50.0f, 0.0f, {256});
+    EXPECT_EQ(fifty.edges, straight);
+    EXPECT_FALSE(fifty.Sync().SwingOn());
+    Swung tenth = RenderSwung(50.1f, 0.0f, {256});
+    EXPECT_EQ(tenth.edges, straight);
+    EXPECT_FALSE(tenth.Sync().SwingOn());
+    Swung swung = RenderSwung(50.2f, 0.0f, {256});
+    EXPECT_TRUE(swung.Sync().SwingOn());
+    EXPECT_EQ(swung.edges[1], 1004u);  // 2 * 0.502 * 1/12 of 12000
 }
