@@ -47,8 +47,9 @@ void DriverTransport::GetBarBeatPosition(int32_t& bars, int32_t& beats, int64_t&
 int64_t DriverTransport::FramesUntilLoopEnd() const {
     if (!playing || !looping || loopEnd <= loopStart || tempo <= 0.0 || blockQuarter >= loopEnd) return -1;
     const double framesPerQuarter = 60.0 * sampleRate / tempo;
-    // At least one frame: an end less than a frame away wraps after the next frame.
-    return std::max<int64_t>(1, int64_t(std::ceil((loopEnd - blockQuarter) * framesPerQuarter - 1e-9)));
+    // At least one frame: an end less than a frame away wraps after the next frame. The tolerance
+    // absorbs the rounding that builds up as the position is moved on block by block.
+    return std::max<int64_t>(1, int64_t(std::ceil((loopEnd - blockQuarter) * framesPerQuarter - 1e-6)));
 }
 
 void DriverTransport::Advance(uint32_t frames) {

@@ -4,8 +4,11 @@
 #include <cstring>
 
 #include "modules/sequencing/StepLFO.h"
+#include "modules/sequencing/Sync.h"
 #include "modules/sequencing/Trigger.h"
 #include "modules/simple/DC.h"
+#include "modules/simple/Function.h"
+#include "modules/simple/LFO.h"
 
 namespace BR {
 
@@ -16,9 +19,9 @@ struct FactoryRow {
 };
 
 const FactoryRow kFactories[] = {
-    {"dc", &BrelCorvaneDC::Create},
-    {"steplfo", &BrelCorvaneStepLFO::Create},
-    {"trigger", &BrelCorvaneTrigger::Create},
+    {"dc", &BrelCorvaneDC::Create},     {"Function", &BrelCorvaneFunction::Create},
+    {"lfo", &BrelCorvaneLFO::Create},   {"steplfo", &BrelCorvaneStepLFO::Create},
+    {"sync", &BrelCorvaneSync::Create}, {"trigger", &BrelCorvaneTrigger::Create},
 };
 }  // namespace
 
