@@ -1,0 +1,208 @@
+// Envelope segment preparation at note events, the per-sub-block update and the render loop.
+#include "Envelope.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "framework/BrelCorvaneBase.h"
+
+namespace BR {
+
+namespace {
+
+// Stage number of each segment, in the order of the parameter rows.
+constexpr int32_t kSegmentStage[kNumEnvSegments] = {kEnvA1, kEnvA2, kEnvA3, kEnvR1, kEnvR2};
+
+void SetupSegment(Envelope& envelope, int32_t segment, float time, float startLevel, float endLevel,
+                  const EnvParameters& parameters, float sampleRate) {
+    setupEnvStage(envelope.stages[kSegmentStage[segment]], parameters.type[segment], time,
+                  parameters.shape[segment], startLevel, endLevel, sampleRate);
+}
+
+}  // namespace
+
+float EnvTimeMultiplier(float multiplierIndex) {
+    return std::pow(10.0f, float(int32_t(multiplierIndex) - 1));
+}
+
+void ReadEnvParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out) {
+    for (int32_t s = 0; s < kNumEnvSegments; ++s) {
+        out.time[s] = module.GetTableValue(rows.timeA1 + s);
+        out.shape[s] = module.GetTableValue(rows.timeA1 + kNumEnvSegments + s);
+        out.type[s] = int32_t(module.GetTableValue(rows.typeA1 + s));
+    }
+    const int32_t levels = rows.timeA1 + 2 * kNumEnvSegments;
+    out.levelA1 = module.GetTableValue(levels);
+    out.levelA2 = module.GetTableValue(levels + 1);
+    out.sustain = module.GetTableValue(levels + 2);
+    out.levelR1 = module.GetTableValue(levels + 3);
+    out.velocityDepth = module.GetTableValue(rows.velocityDepth);
+    out.resetToZero = module.GetTableValue(rows.resetToZero) != 0.0f;
+    out.multiplier = module.GetTableValue(rows.multiplier);
+}
+
+void setupEnvStage(EnvStage& stage, int32_t type, float time, float shape, float startLevel, float endLevel,
+                   float sampleRate) {
+    stage.type = type;
+    float samples = time * sampleRate;
+    if (!(samples >= 1.0f)) samples = 1.0f;
+    const float delta = endLevel - startLevel;
+    stage.samplesLeft = samples >= 4294967295.0f ? 0xFFFFFFFFu : uint32_t(samples);
+
+    if (type == kEnvParabolic) {
+        const float r = 1.0f / samples;
+        float a, b;
+        if (delta >= 0.0f) {
+            a = (1.0f - shape) * delta;
+            b = shape * delta;
+        } else {
+            a = (shape - 1.0f) * delta;
+            b = (2.0f - shape) * delta;
+        }
+        stage.increment = (a * r + b) * r;
+        stage.coefficient = 2.0f * a * r * r;
+        return;
+    }
+
+    // The level heads for a point `e` beyond the target, reaching the target in about `samples`
+    // samples at a finite slope: small shapes bend hard, large ones are almost straight.
+    const float e = std::exp(shape * 4.8f - 5.0f);
+    const double c = std::exp(-std::log((std::fabs(double(delta)) + e) / e) / double(samples));
+    stage.falling = startLevel > endLevel;
+    const double aim = stage.falling ? double(endLevel) - e : double(endLevel) + e;
+    stage.increment = float(aim * (1.0 - c));
+    stage.coefficient = float(c);
+    stage.target = endLevel;
+}
+
+void envNoteOn(Envelope& envelope, float velocity, const EnvParameters& parameters, float sampleRate) {
+    const float d = parameters.velocityDepth;
+    const float scale = d >= 0.0f ? d * velocity + 1.0f - d : d + 1.0f - (1.0f - velocity) * d;
+    envelope.stageIndex = kEnvA1;
+    envelope.sustainStage = kEnvSustain;
+    envelope.velocityScale = scale;
+
+    float l1 = parameters.levelA1 * scale;
+    const float l2 = parameters.levelA2 * scale;
+    const float ls = parameters.sustain * scale;
+    const float m = EnvTimeMultiplier(parameters.multiplier);
+    float t1 = parameters.time[kSegA1] * m;
+    float t2 = parameters.time[kSegA2] * m;
+    const float t3 = parameters.time[kSegA3] * m;
+
+    if (parameters.resetToZero) {
+        envelope.level = 0.0f;
+    } else if (t1 == 0.0f) {
+        // A1 has no length: A2 takes off from where the envelope is, shortened in proportion to the
+        // distance still to go.
+        if (l2 != l1) {
+            const float ratio = std::fabs((envelope.level - l2) / (l1 - l2));
+            if (ratio < 1.0f) t2 *= ratio;
+        }
+        l1 = envelope.level;
+    } else if (l1 != 0.0f) {
+        const float ratio = std::fabs((envelope.level - l1) / l1);
+        if (ratio < 1.0f) t1 *= ratio;
+    }
+
+    SetupSegment(envelope, kSegA1, t1, envelope.level, l1, parameters, sampleRate);
+    SetupSegment(envelope, kSegA2, t2, l1, l2, parameters, sampleRate);
+    SetupSegment(envelope, kSegA3, t3, l2, ls, parameters, sampleRate);
+}
+
+void envNoteOff(Envelope& envelope, const EnvParameters& parameters, float sampleRate) {
+    envelope.stageIndex = envelope.sustainStage - 1;
+    const float s = parameters.sustain * envelope.velocityScale;
+    float r1 = parameters.levelR1 * envelope.velocityScale;
+    // Keeps R1 in proportion when the release starts from another level than the sustain.
+    if (s > 0.001f) r1 *= envelope.level / s;
+    const float m = EnvTimeMultiplier(parameters.multiplier);
+    SetupSegment(envelope, kSegR1, parameters.time[kSegR1] * m, envelope.level, r1, parameters, sampleRate);
+    SetupSegment(envelope, kSegR2, parameters.time[kSegR2] * m, r1, 0.0f, parameters, sampleRate);
+}
+
+void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float sampleRate,
+                    EnvDisplayValues& display) {
+    const int32_t stage = envelope.stageIndex;
+    if (stage == envelope.sustainStage) envelope.level = parameters.sustain * envelope.velocityScale;
+    if (stage == kEnvFinished) envelope.level = 0.0f;
+
+    if (stage == kEnvFinished) {
+        display.position = 0.0f;
+        display.level = 0.0f;
+        return;
+    }
+    float total = 1.0f, done = 0.0f;
+    for (int32_t s = 0; s < kNumEnvSegments; ++s) {
+        total += parameters.time[s];
+        if (stage <= kSegmentStage[s]) done += parameters.time[s];
+    }
+    if (stage != envelope.sustainStage && stage >= 0 && stage < kEnvNumStages)
+        done -=
+            float(envelope.stages[stage].samplesLeft) / sampleRate / EnvTimeMultiplier(parameters.multiplier);
+    if (stage < kEnvSustain) done += 1.0f;
+    display.position = done / total;
+    display.level = envelope.level;
+}
+
+void renderEnvelope(Envelope& envelope, float* out, uint32_t count) {
+    float level = envelope.level;
+    int32_t index = envelope.stageIndex;
+    if (index < kEnvFinished || index >= kEnvNumStages) index = kEnvFinished;
+    uint32_t written = 0;
+    while (written < count) {
+        EnvStage& stage = envelope.stages[index];
+        const uint32_t n = std::min(stage.samplesLeft, count - written);
+        if (n == 0 && index == kEnvFinished) {
+            // The finished stage ran down its counter (after 2^32 - 1 samples): it still holds.
+            std::fill(out + written, out + count, level);
+            break;
+        }
+        float* y = out + written;
+        uint32_t done = n;
+        bool ended = false;
+        if (stage.type == kEnvParabolic) {
+            float increment = stage.increment;
+            const float coefficient = stage.coefficient;
+            for (uint32_t i = 0; i < n; ++i) {
+                level += increment;
+                increment += coefficient;
+                y[i] = level;
+            }
+            stage.increment = increment;
+        } else {
+            const float c = stage.coefficient, add = stage.increment, target = stage.target;
+            if (!stage.falling) {
+                for (uint32_t i = 0; i < n; ++i) {
+                    level = c * level + add;
+                    if (level >= target) {
+                        y[i] = target;
+                        done = i + 1;
+                        ended = true;
+                        break;
+                    }
+                    y[i] = level;
+                }
+            } else {
+                for (uint32_t i = 0; i < n; ++i) {
+                    level = c * level + add;
+                    if (!(level > target)) {  // a not-a-number level ends the segment too
+                        y[i] = target;
+                        done = i + 1;
+                        ended = true;
+                        break;
+                    }
+                    y[i] = level;
+                }
+            }
+        }
+        written += done;
+        // An ended exponential segment keeps the overshot level: the next stage starts from it.
+        stage.samplesLeft = ended ? 0u : stage.samplesLeft - done;
+        if (stage.samplesLeft == 0) index = std::max(index - 1, int32_t(kEnvFinished));
+    }
+    envelope.level = level;
+    envelope.stageIndex = index;
+}
+
+}  // namespace BR

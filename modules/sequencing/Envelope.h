@@ -1,0 +1,118 @@
+// The five-segment envelope (A1, A2, A3, sustain, R1, R2) held once by the Trigger and three times
+// by the Voice Controller: segments are prepared per note event and rendered as closed recurrences.
+#pragma once
+
+#include <cstdint>
+
+class BrelCorvaneBase;
+
+namespace BR {
+
+// Stage numbers, counting downward as the envelope runs.
+enum EnvStageNumber : int32_t {
+    kEnvFinished = 0,
+    kEnvR2 = 1,
+    kEnvR1 = 2,
+    kEnvSustain = 3,
+    kEnvA3 = 4,
+    kEnvA2 = 5,
+    kEnvA1 = 6,
+    kEnvNumStages = 7,
+};
+
+// Segment order of the per-segment parameter rows (times, shapes, types).
+enum EnvSegment : int32_t { kSegA1, kSegA2, kSegA3, kSegR1, kSegR2, kNumEnvSegments };
+
+enum EnvCurveType : int32_t { kEnvParabolic = 0, kEnvExponential = 1 };
+
+// One prepared segment. Parabolic: `increment` is the present first difference (written back as the
+// segment advances) and `coefficient` the second difference. Exponential: level = coefficient * level +
+// increment, ending once the level reaches `target` from the side given by `falling`.
+struct EnvStage {
+    float increment = 0.0f;
+    float coefficient = 0.0f;
+    float target = 0.0f;
+    bool falling = false;
+    uint32_t samplesLeft = 0xFFFFFFFFu;
+    int32_t type = kEnvParabolic;  // 0 parabolic, anything else exponential
+};
+
+struct Envelope {
+    int32_t stageIndex = kEnvFinished;
+    int32_t sustainStage = kEnvSustain;
+    float level = 0.0f;
+    float velocityScale = 1.0f;
+    // Finished (0) and sustain (3) are never prepared: they run as flat parabolic segments of
+    // 2^32 - 1 samples, so the render loop needs no special case for them.
+    EnvStage stages[kEnvNumStages];
+
+    // Stops the envelope; `level` follows at the next envBlockUpdate.
+    void Reset() {
+        stageIndex = kEnvFinished;
+        sustainStage = kEnvSustain;
+    }
+};
+
+// One envelope's parameters as read once per sub-block, in their row units (times in seconds before
+// the multiplier, levels as linear gains, `multiplier` the index 0..3 of "0.1", "1", "10", "100").
+struct EnvParameters {
+    float time[kNumEnvSegments] = {0.0f, 0.1f, 0.1f, 0.1f, 0.0f};
+    float shape[kNumEnvSegments] = {0.5f, 0.5f, 0.5f, 0.5f, 0.5f};
+    int32_t type[kNumEnvSegments] = {1, 1, 1, 1, 1};
+    float levelA1 = 0.0f;
+    float levelA2 = 1.0f;
+    float sustain = 0.5f;
+    float levelR1 = 0.0f;
+    float velocityDepth = 0.0f;
+    bool resetToZero = false;
+    float multiplier = 1.0f;
+};
+
+// Where one envelope's rows lie in a module's table. `timeA1` starts fourteen consecutive rows:
+// five times, five shapes, "Level A1", "Level A2", "Sustain", "Level R1"; `typeA1` starts five.
+struct EnvParameterRows {
+    int32_t timeA1;
+    int32_t typeA1;
+    int32_t velocityDepth;
+    int32_t resetToZero;
+    int32_t multiplier;
+};
+
+// Rows from "Env 1 Time A1" to the next envelope's, and from "Env 1 Type A1" to the next envelope's.
+constexpr int32_t kEnvRowStride = 14;
+constexpr int32_t kEnvTypeRowStride = 5;
+
+// What the envelope display of the editor reads: position along the whole shape (0..1, with
+// sustain counted as one nominal second) and the present level.
+struct EnvDisplayValues {
+    float position = 0.0f;
+    float level = 0.0f;
+};
+
+// The time factor of a "Multiplier" index: 10^(index - 1).
+float EnvTimeMultiplier(float multiplierIndex);
+
+// Reads one envelope's parameter rows from a module.
+void ReadEnvParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out);
+
+// Prepares one segment from `startLevel` to `endLevel` lasting `time` seconds (after the multiplier);
+// every segment lasts at least one sample.
+void setupEnvStage(EnvStage& stage, int32_t type, float time, float shape, float startLevel, float endLevel,
+                   float sampleRate);
+
+// Starts the attack; `velocity` is 0..1 (MIDI velocity times 0.007874016).
+void envNoteOn(Envelope& envelope, float velocity, const EnvParameters& parameters, float sampleRate);
+
+// Starts the release from wherever the envelope stands.
+void envNoteOff(Envelope& envelope, const EnvParameters& parameters, float sampleRate);
+
+// At the start of every rendered sub-block: sustain follows its parameter at once, a finished
+// envelope sits at 0, and the display values are computed.
+void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float sampleRate,
+                    EnvDisplayValues& display);
+
+// Writes `count` levels, passing through as many stages as the samples reach. On the sample where an
+// exponential segment ends the output is its target, while `level` keeps the overshot value.
+void renderEnvelope(Envelope& envelope, float* out, uint32_t count);
+
+}  // namespace BR
