@@ -3,7 +3,10 @@
 
 #include <cstring>
 
+#include "modules/sequencing/Sync.h"
 #include "modules/simple/DC.h"
+#include "modules/simple/Function.h"
+#include "modules/simple/LFO.h"
 
 namespace BR {
 
@@ -15,6 +18,9 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     {"dc", &BrelCorvaneDC::Create},
+    {"Function", &BrelCorvaneFunction::Create},
+    {"lfo", &BrelCorvaneLFO::Create},
+    {"sync", &BrelCorvaneSync::Create},
 };
 }  // namespace
 

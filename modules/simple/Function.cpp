@@ -1,0 +1,126 @@
+// Function: table, block-rate reading of the enabled channels, and the four transfer curves.
+#include "Function.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace BrelCorvaneFunction {
+
+namespace {
+
+BR::ParameterDefinition parameterTable[kNumParameters] = {
+    {"OSC Port Offset", BR::kUnitIndexed, 0, 100, 0}, {"Enable L", BR::kUnitBoolean, 0, 1, 0},
+    {"Function L", BR::kUnitIndexed, 0, 3, 0},        {"Input Scale L", BR::kUnitGeneric, -2, 2, 1},
+    {"Input Offset L", BR::kUnitGeneric, -1, 1, 0},   {"Output Scale L", BR::kUnitGeneric, -2, 2, 1},
+    {"Output Offset L", BR::kUnitGeneric, -1, 1, 0},  {"Enable R", BR::kUnitBoolean, 0, 1, 0},
+    {"Function R", BR::kUnitIndexed, 0, 3, 0},        {"Input Scale R", BR::kUnitGeneric, -2, 2, 1},
+    {"Input Offset R", BR::kUnitGeneric, -1, 1, 0},   {"Output Scale R", BR::kUnitGeneric, -2, 2, 1},
+    {"Output Offset R", BR::kUnitGeneric, -1, 1, 0},
+};
+
+float defaultsValues[kNumParameters];
+BR::PresetDefinition presetTable[] = {{"Defaults", 0, defaultsValues}};
+
+constexpr BR::ModuleConfig kConfig{2, 2, 0, 0, kOSCPortOffset, 1, presetTable, kNumParameters, parameterTable,
+                                   -1};
+
+// log2(u) as ln(u) * 1.442695, and 2^v as exp(v * 0.6931472): the curves' own constants.
+constexpr float kLog2OfE = 1.442695f;
+constexpr float kLnOf2 = 0.6931472f;
+
+}  // namespace
+
+BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
+    display = &status.Emplace<FunctionStatus>();
+    BrelCorvane::InitModule();
+}
+
+void BrelCorvane::InitModule() {
+    for (FunctionChannel& ch : channel)
+        ch = FunctionChannel{};
+    *display = FunctionStatus{};
+    BrelCorvaneBase::InitModule();
+}
+
+bool BrelCorvane::BeginBlock(uint32_t frames) {
+    if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    for (int c = 0; c < 2; ++c) {
+        FunctionChannel& ch = channel[c];
+        const int32_t row = c == 0 ? kFirstRowL : kFirstRowR;
+        // A disabled channel keeps its last curve settings.
+        ch.enabled = GetTableValue(row + kEnable) != 0.0f;
+        if (!ch.enabled) continue;
+        ch.function = int32_t(GetTableValue(row + kFunction));
+        ch.inputScale = GetTableValue(row + kInputScale);
+        ch.inputOffset = GetTableValue(row + kInputOffset);
+        ch.outputScale = GetTableValue(row + kOutputScale);
+        ch.outputOffset = GetTableValue(row + kOutputOffset);
+    }
+    return true;
+}
+
+void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames) {
+    for (int32_t c = 0; c < numOutputs && c < 2; ++c) {
+        FunctionChannel& ch = channel[c];
+        const float* x = inputs[c];
+        float* y = outputs[c];
+        if (!ch.enabled) {
+            if (y != x) std::memmove(y, x, frames * sizeof(float));
+            ch.displayInput = ch.displayOutput = x[0];
+        } else {
+            const float s = ch.inputScale, o = ch.inputOffset, g = ch.outputScale, h = ch.outputOffset;
+            ch.displayInput = s * x[0] + o;
+            switch (ch.function) {
+                case kLogarithm:
+                    for (uint32_t i = 0; i < frames; ++i) {
+                        const float u = x[i] * s + o;
+                        y[i] = (u > 1e-10f ? std::log(u) * kLog2OfE + 1.0f : 0.0f) * g + h;
+                    }
+                    break;
+                case kExponential: {
+                    const float shift = o - 1.0f;
+                    for (uint32_t i = 0; i < frames; ++i)
+                        y[i] = std::exp((x[i] * s + shift) * kLnOf2) * g + h;
+                    break;
+                }
+                case kAbsolute:
+                    for (uint32_t i = 0; i < frames; ++i)
+                        y[i] = std::fabs(x[i] * s + o) * g + h;
+                    break;
+                default: {
+                    const float gain = g * s, add = g * o + h;
+                    for (uint32_t i = 0; i < frames; ++i)
+                        y[i] = x[i] * gain + add;
+                    break;
+                }
+            }
+            ch.displayOutput = y[0];
+        }
+        display->displayInput[c] = ch.displayInput;
+        display->displayOutput[c] = ch.displayOutput;
+    }
+}
+
+int32_t BrelCorvane::GetParameterValueStrings(int32_t tableIndex, BR::CountedTextList** out) {
+    static BR::CountedTextList* curves =
+        new BR::CountedTextList({"Linear", "Logarithm", "Exponential", "Absolute"});
+    if (tableIndex != kFunctionL && tableIndex != kFunctionR) return BR::kErrInvalidParameter;
+    if (!out) return BR::kErrInvalidParameter;
+    curves->Retain();
+    *out = curves;
+    return BR::kNoErr;
+}
+
+uint32_t BrelCorvane::GetParameterFlags(int32_t tableIndex) {
+    return tableIndex == kOSCPortOffset ? BR::kDisplayStringFlag : 0;
+}
+
+int32_t BrelCorvane::GetParameterDisplayString(BR::DisplayStringRequest& request) {
+    return OffDisplayString(request, request.index == kOSCPortOffset, false);
+}
+
+BrelCorvaneBase* Create() {
+    return new BrelCorvane;
+}
+
+}  // namespace BrelCorvaneFunction

@@ -1,0 +1,120 @@
+// LFO: two independent low-frequency signals, each a weighted mix of six waves, free-running, at a
+// rate from the tempo, or phase-locked to the host's position; also a clock and run signal source.
+#pragma once
+
+#include "framework/BrelCorvaneBase.h"
+#include "framework/Smoothing.h"
+
+namespace BrelCorvaneLFO {
+
+// Rows of the per-channel block, relative to its first row (1 for L, 18 for R).
+enum ChannelRow : int32_t {
+    kSpeed = 0,
+    kSpeedMultiplier,
+    kSync,
+    kBeatDivisor,
+    kBeats,
+    kTriplet,
+    kPhase,
+    kOffset,
+    kSine,
+    kTriangle,
+    kSquare,
+    kSaw,
+    kRandom,
+    kNoise,
+    kPulseWidth,
+    kAsymmetry,
+    kInputMode,
+    kRowsPerChannel,
+};
+
+enum TableIndex : int32_t {
+    kOSCPortOffset = 0,
+    kFirstRowL = 1,
+    kFirstRowR = 18,
+    kSmoothingL = 35,
+    kSmoothingR = 36,
+    kSwingL = 37,
+    kSwingTypeL = 38,
+    kSwingR = 39,
+    kSwingTypeR = 40,
+    kResetByNoteL = 41,
+    kResetByNoteR = 42,
+    kNumParameters = 43,
+};
+
+enum SyncMode : int32_t {
+    kSyncFree = 0,
+    kSyncTempo = 1,
+    kSyncTransport = 2,
+    kSyncQuadrature = 3,
+    kSyncStartStop = 4,
+    kSyncTransport2 = 5,
+};
+
+enum InputMode : int32_t { kInputAdd = 0, kInputMultiply = 1, kInputCombine = 2 };
+
+// The LFO's part of the status block, read by the waveform display.
+struct LfoStatus {
+    float displayPhase[2];
+    float displayLevel[2];  // each channel's smoothState
+    double phaseOffset[2];  // "Phase" / 360 where the phase is set from outside, else -1
+    double rateHz[2];
+};
+
+// What persists of a channel across blocks; zeroed by InitModule, never saved.
+struct LfoChannelState {
+    double phase;  // position in the cycle, 0 to below 1
+    float heldRandom;
+    uint32_t seed;  // noise generator state
+};
+
+// Values BeginBlock caches for one channel.
+struct LfoChannelSettings {
+    double rate;  // cycles per sample
+    double rateHz;
+    float pulseWidth;  // fraction
+    float sine, triangle, square, saw, random, noise;
+    float offset;
+    float asymmetry;  // 0 to 1, 0.5 for none
+    int32_t inputMode;
+    float swingFraction;  // -1 for no swing
+    float swingPosition;  // where the block starts in its swing unit, 0 to 1
+    float swingSamples;   // samples per swing unit
+    double resetPhase;    // "Phase" / 360
+    bool resetByNote;
+};
+
+class BrelCorvane : public BrelCorvaneBase {
+public:
+    BrelCorvane();
+
+    void InitModule() override;
+    bool BeginBlock(uint32_t frames) override;
+    void ProcessSlice(float** inputs, float** outputs, uint32_t frames) override;
+    void HandleNoteOn(int32_t channel, int32_t note, int32_t velocity) override;
+    int32_t GetParameterValueStrings(int32_t tableIndex, BR::CountedTextList** out) override;
+    uint32_t GetParameterFlags(int32_t tableIndex) override;
+    int32_t GetParameterDisplayString(BR::DisplayStringRequest& request) override;
+    const char* GetModuleName() const override { return "Corvane LFO"; }
+    const char* GetGuiScriptName() const override { return "gui_lfo.lua"; }
+
+    const LfoChannelState& State(int channel) const { return state[channel]; }
+    const LfoChannelSettings& Settings(int channel) const { return settings[channel]; }
+    const BR::OutputSmoother& Smoother(int channel) const { return smoother[channel]; }
+
+private:
+    void ReadChannel(int c, bool playing, double tempo, double beats, double& passRateHz);
+    void RenderChannel(int c, const float* x, float* y, uint32_t frames);
+    void RenderWave(int c, const float* x, float* y, uint32_t frames, double rate);
+
+    LfoChannelState state[2];
+    LfoChannelSettings settings[2];
+    BR::OutputSmoother smoother[2];
+    LfoStatus* display = nullptr;  // inside the status block
+};
+
+BrelCorvaneBase* Create();
+
+}  // namespace BrelCorvaneLFO
