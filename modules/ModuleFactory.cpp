@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "modules/sequencing/Sync.h"
+#include "modules/sequencing/VoiceController.h"
 #include "modules/simple/DC.h"
 #include "modules/simple/Function.h"
 #include "modules/simple/LFO.h"
@@ -21,6 +22,7 @@ const FactoryRow kFactories[] = {
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"sync", &BrelCorvaneSync::Create},
+    {"voicecontroller", &BrelCorvaneVoiceController::Create},
 };
 }  // namespace
 
