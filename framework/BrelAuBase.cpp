@@ -12,6 +12,7 @@ int32_t BrelAuBase::Initialize(BR::HostController* controller_, BR::HostTranspor
                                BR::AutomationDelegate* automation_) {
     controller = controller_;
     transport = transport_;
+    initialTransport = transport_;
     automation = automation_;
     return EffectInit();
 }
@@ -22,6 +23,7 @@ int32_t BrelAuBase::Uninitialize() {
     parameterList.clear();
     controller = nullptr;
     transport = nullptr;
+    initialTransport = nullptr;
     automation = nullptr;
     return BR::kNoErr;
 }

@@ -75,7 +75,8 @@ protected:
     virtual void ParameterValueChanged(int32_t parameterIndex, float value);
 
     BR::HostController* controller = nullptr;
-    BR::HostTransport* transport = nullptr;
+    BR::HostTransport* transport = nullptr;  // this block's: the render record's, else initialTransport
+    BR::HostTransport* initialTransport = nullptr;  // the one given at Initialize
     BR::AutomationDelegate* automation = nullptr;
     std::vector<std::unique_ptr<BR::Parameter>> parameterList;
     std::map<std::string, BR::Parameter*> parameterMap;

@@ -1,5 +1,6 @@
 // The two state chunks: "elck" with every parameter's identifier and value, "Chnk" with the
 // tagged-blob image of identity numbers and the module's own entries.
+#include <cmath>
 #include <cstring>
 
 #include "BrelCorvaneBase.h"
@@ -41,6 +42,7 @@ bool ParseControls(const std::vector<uint8_t>& data, std::vector<ControlValue>& 
         if (kind != kKindFloat && kind != kKindBoolean) return false;
         const uint32_t bits = BR::ReadU32(p + 3 + length);
         std::memcpy(&control.value, &bits, 4);
+        if (!std::isfinite(control.value)) return false;  // no parameter holds one: a damaged chunk
         out.push_back(std::move(control));
         p += 7 + length;
         left -= 7 + length;

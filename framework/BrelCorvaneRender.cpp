@@ -36,7 +36,9 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
     if (numAuxOutputs == 0 && hostOutputs != numOutputs) return;
 
     const bool bypass = masterBypass && masterBypass->GetValueAsBool();
-    if (record->transport) transport = record->transport;
+    // A record without a transport falls back to the host's own, never to an earlier block's, which
+    // may be gone.
+    transport = record->transport ? record->transport : initialTransport;
 
     if (!BeginBlock(frames)) return;
 

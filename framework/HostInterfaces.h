@@ -58,6 +58,22 @@ inline double CurrentBeatPosition(const HostTransport* transport) {
     return double(transport->GetCustomTickPosition(location)) * kBeatsPerTick;
 }
 
+// What a tempo-following module reads in BeginBlock. An absent transport plays at tempo 0 from 0.
+struct TransportReading {
+    bool playing = true;
+    double tempo = 0.0;  // quarter notes per minute
+    double beats = 0.0;  // quarter notes at the block's start
+};
+
+inline TransportReading ReadTransport(const HostTransport* transport) {
+    TransportReading reading;
+    if (!transport) return reading;
+    reading.playing = transport->IsTransportPlaying();
+    reading.tempo = transport->GetCurrentTempo();
+    reading.beats = CurrentBeatPosition(transport);
+    return reading;
+}
+
 // The host's record of touched parameters: counts changes and remembers which ids are dirty.
 class AutomationDelegate {
 public:

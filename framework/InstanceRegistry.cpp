@@ -100,6 +100,15 @@ bool GetInstanceIds(BrelCorvaneBase* instance, uint32_t& localId, uint32_t& glob
     return true;
 }
 
+bool PeekInstanceIds(BrelCorvaneBase* instance, uint32_t& localId, uint32_t& globalId) {
+    Guard guard(Lock());
+    const InstanceEntry* entry = EntryOf(instance);
+    if (!entry) return false;
+    localId = entry->localId;
+    globalId = entry->globalId;
+    return true;
+}
+
 void SetInstanceIds(BrelCorvaneBase* instance, uint32_t localId, uint32_t globalId) {
     Guard guard(Lock());
     InstanceEntry* self = EntryOf(instance);
@@ -154,8 +163,11 @@ bool AnyLearnerPresent() {
 
 void SetParameterByPort(int32_t port, int32_t tableIndex, float value) {
     Guard guard(Lock());
-    for (const InstanceEntry& entry : TheRegistry().entries)
-        if (PortOf(entry.instance) == port) entry.instance->SetParameterValue(tableIndex + 1, value);
+    // A setter notifies receivers, which may add or remove entries: walk a copy.
+    const std::vector<InstanceEntry> snapshot = TheRegistry().entries;
+    for (const InstanceEntry& entry : snapshot)
+        if (EntryOf(entry.instance) && PortOf(entry.instance) == port)
+            entry.instance->SetParameterValue(tableIndex + 1, value);
 }
 
 float GetParameterByPort(int32_t port, int32_t tableIndex) {
@@ -193,9 +205,8 @@ bool SetParameterByAddress(const ParameterAddress& address, float value) {
         if (!entry) continue;
         bool endsSearch = false;
         if (!address.moduleName) {
-            uint32_t localId = 0, globalId = 0;
-            GetInstanceIds(entry->instance, localId, globalId);
-            if (int64_t(globalId) != address.id) continue;
+            // Every entry holds its global id from AddInstance on; local ids stay unassigned here.
+            if (int64_t(entry->globalId) != address.id) continue;
             endsSearch = true;
         } else {
             if (std::strcmp(EntryShortName(*entry), address.moduleName) != 0) continue;

@@ -43,6 +43,8 @@ void RemoveInstance(BrelCorvaneBase* instance);
 BrelCorvaneBase* FindInstance(BrelCorvaneBase* instance);
 // Caller holds the lock. Assigns either number when it is still 0. False when not registered.
 bool GetInstanceIds(BrelCorvaneBase* instance, uint32_t& localId, uint32_t& globalId);
+// The numbers as they stand, 0 where none is given yet; assigns nothing. False when not registered.
+bool PeekInstanceIds(BrelCorvaneBase* instance, uint32_t& localId, uint32_t& globalId);
 // A 0 leaves that number as it is. Others holding an equal number are renumbered.
 void SetInstanceIds(BrelCorvaneBase* instance, uint32_t localId, uint32_t globalId);
 size_t NumInstances();

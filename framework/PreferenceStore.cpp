@@ -16,19 +16,27 @@ std::string HomeFolder() {
     return home && *home ? home : "/tmp";
 }
 
+// An XDG folder variable counts only when it holds an absolute path.
 std::string EnvOr(const char* name, const std::string& fallback) {
     const char* value = std::getenv(name);
-    return value && *value ? std::string(value) : fallback;
+    return value && value[0] == '/' ? std::string(value) : fallback;
+}
+
+std::string Trimmed(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t\r");
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
 std::map<std::string, std::string> ReadAll() {
     std::map<std::string, std::string> values;
     std::ifstream in(PreferenceStore::FilePath());
     std::string line;
+    // A hand-edited file may carry blanks around names and values, and comment lines.
     while (std::getline(in, line)) {
         const size_t eq = line.find('=');
-        if (eq == std::string::npos) continue;
-        values[line.substr(0, eq)] = line.substr(eq + 1);
+        if (eq == std::string::npos || Trimmed(line)[0] == '#') continue;
+        values[Trimmed(line.substr(0, eq))] = Trimmed(line.substr(eq + 1));
     }
     return values;
 }

@@ -28,21 +28,27 @@ void DriverTransport::GetCurrentLoopPosition(bool& on, int64_t& loopStartTick, i
 
 void DriverTransport::GetBarBeatPosition(int32_t& bars, int32_t& beats, int64_t& displayTicks,
                                          int64_t sampleLocation) const {
-    // Beats count in units of the meter's denominator; ticks within the beat stay in quarter-note ticks.
-    const double quarterPerBeat = 4.0 / double(meterDenominator > 0 ? meterDenominator : 4);
-    const double beatCount = std::max(0.0, QuarterAt(sampleLocation)) / quarterPerBeat;
-    const double whole = std::floor(beatCount);
-    const int64_t beatIndex = int64_t(whole);
-    const int32_t perBar = meterNumerator > 0 ? meterNumerator : 4;
-    bars = int32_t(beatIndex / perBar) + 1;
-    beats = int32_t(beatIndex % perBar) + 1;
-    displayTicks = int64_t(std::llround((beatCount - whole) * quarterPerBeat * double(kTicksPerQuarter)));
+    // Beats count quarter notes within the bar, so that position - (displayTicks / 960000 + beats - 1)
+    // is the bar's start in any meter, as the modules compute it. A bar lasts numerator * 4 / denominator
+    // quarter notes; positions before 0 fall in bar 0 and below. Integer ticks keep bar lines exact.
+    const int32_t numerator = meterNumerator > 0 ? meterNumerator : 4;
+    const int32_t denominator = meterDenominator > 0 ? meterDenominator : 4;
+    const int64_t barTicks =
+        std::max<int64_t>(1, std::llround(double(numerator) * 4.0 * double(kTicksPerQuarter) / denominator));
+    const int64_t ticks = GetCustomTickPosition(sampleLocation);
+    int64_t bar = ticks / barTicks;
+    if (ticks % barTicks < 0) --bar;
+    const int64_t intoBar = ticks - bar * barTicks;
+    bars = int32_t(bar + 1);
+    beats = int32_t(intoBar / kTicksPerQuarter) + 1;
+    displayTicks = intoBar % kTicksPerQuarter;
 }
 
 int64_t DriverTransport::FramesUntilLoopEnd() const {
     if (!playing || !looping || loopEnd <= loopStart || tempo <= 0.0 || blockQuarter >= loopEnd) return -1;
     const double framesPerQuarter = 60.0 * sampleRate / tempo;
-    return int64_t(std::ceil((loopEnd - blockQuarter) * framesPerQuarter - 1e-9));
+    // At least one frame: an end less than a frame away wraps after the next frame.
+    return std::max<int64_t>(1, int64_t(std::ceil((loopEnd - blockQuarter) * framesPerQuarter - 1e-9)));
 }
 
 void DriverTransport::Advance(uint32_t frames) {

@@ -21,7 +21,8 @@ public:
 
     // Quarter notes at a sample location, extrapolated from the block's start at the current tempo.
     double QuarterAt(int64_t sampleLocation) const;
-    // Frames until the loop end is reached from the block's start, or -1 when no wrap is due.
+    // Frames from the block's start until the loop end is reached (at least 1), or -1 when no wrap is
+    // due: not playing, no loop, or a start at or past the loop's end.
     int64_t FramesUntilLoopEnd() const;
     // Moves the block start on by `frames` while playing, wrapping at the loop end.
     void Advance(uint32_t frames);

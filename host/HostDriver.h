@@ -51,8 +51,13 @@ public:
     int32_t NumHostOutputs() const { return module->NumOutputs(); }
 
     // The transport the module sees, or none (the module then plays at tempo 0 from position 0).
-    // Process advances it after each block it renders.
-    void SetTransport(DriverTransport* transport) { currentTransport = transport; }
+    // Process advances it after each block it renders, unless it is shared: then drivers rendering
+    // side by side leave it alone, and their owner advances it once per block (so calls to Process
+    // must then be no longer than MaxBlockSize()).
+    void SetTransport(DriverTransport* transport, bool shared = false) {
+        currentTransport = transport;
+        advanceTransport = !shared;
+    }
     DriverTransport* Transport() const { return currentTransport; }
 
     // Renders `frames` (cut into blocks of at most the maximum block size). `inputs` has
@@ -75,6 +80,7 @@ private:
     DriverController controller;
     uint32_t maxBlockSize;
     DriverTransport* currentTransport = nullptr;
+    bool advanceTransport = true;
     BrelCorvaneBase* instanceSlot = nullptr;
     std::vector<HostMidiPacket> packets;
     std::vector<float> zeros;

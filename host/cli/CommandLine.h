@@ -12,6 +12,12 @@ struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// Bad contents of a file the command was given (a patch, a state, a MIDI file): status 2 as well, but
+// the message says all, without the usage text.
+struct InputError : UsageError {
+    using UsageError::UsageError;
+};
+
 // Strict number parsing: the whole text must be the number.
 double ParseNumber(const std::string& text, const std::string& what);
 int64_t ParseInteger(const std::string& text, const std::string& what, int64_t minimum, int64_t maximum);

@@ -6,19 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include "RenderPieces.h"
 #include "host/HostDriver.h"
 
 namespace BR {
-
-struct MidiEventSpec {
-    uint64_t frame;
-    std::vector<uint8_t> bytes;
-};
-
-struct TransportChange {
-    uint64_t frame;
-    bool play;
-};
 
 struct RenderJob {
     std::string stem;
@@ -29,23 +20,19 @@ struct RenderJob {
     std::vector<std::pair<std::string, std::string>> sets;  // row name, value text
     std::string inputPath;
     std::vector<MidiEventSpec> events;
+    std::string midiPath;  // a Standard MIDI File, merged with the events
+    std::string stateIn;   // restored before the settings apply
+    std::string stateOut;  // written after the render
     std::string outputPath;
-    // Transport: a playing 4/4 at 120 BPM from quarter note 0 unless told otherwise.
-    bool transport = true;
-    double tempo = 120;
-    double position = 0;  // quarter notes
-    int32_t meterNumerator = 4, meterDenominator = 4;
-    bool playing = true;
-    std::vector<TransportChange> transportChanges;
-    bool looping = false;
-    double loopStart = 0, loopEnd = 0;  // quarter notes
+    TransportSettings transport;
 };
 
 // Parses "render STEM [options]" from argv[first] on; throws UsageError.
 RenderJob ParseRenderJob(int argc, char** argv, int first);
-// Applies one "NAME=VALUE" to a driver's module; throws UsageError naming the row or value.
-void ApplySetting(HostDriver& driver, const std::string& name, const std::string& valueText);
 // Renders and writes the WAV; returns the number of frames written. Throws UsageError or runtime_error.
 int64_t RunRenderJob(const RenderJob& job);
+// The same with a driver already made (the job's stem is not looked at): for RunRenderJob, and for
+// tests that render modules of their own.
+int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job);
 
 }  // namespace BR

@@ -6,6 +6,7 @@
 
 #include "CommandLine.h"
 #include "InfoCommands.h"
+#include "PatchJob.h"
 #include "RenderJob.h"
 
 namespace {
@@ -16,7 +17,11 @@ const char* kUsage =
     "  params STEM               parameter table: index, name, unit, minimum, maximum, default\n"
     "  render STEM [options]     render offline to a 32-bit float WAV\n"
     "      --rate HZ  --block N  --frames N | --seconds S  --set \"NAME=VALUE\"...\n"
-    "      --in FILE.wav  --event FRAME:HEXBYTES...  --out FILE.wav\n"
+    "      --in FILE.wav  --event FRAME:HEXBYTES...  --midi FILE.mid  --out FILE.wav\n"
+    "      --state-in FILE  --state-out FILE\n"
+    "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
+    "      --transport FRAME:play|stop...  --loop START:END\n"
+    "  patch FILE.json           render several instances together, one WAV each\n"
     "  bench [--seconds S] [--block N]   real-time factor of every module\n";
 
 int Dispatch(int argc, char** argv) {
@@ -38,6 +43,15 @@ int Dispatch(int argc, char** argv) {
         const BR::RenderJob job = BR::ParseRenderJob(argc, argv, 2);
         const int64_t frames = BR::RunRenderJob(job);
         std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames, job.outputPath.c_str());
+        return 0;
+    }
+    if (command == "patch") {
+        if (argc != 3) throw BR::UsageError("patch needs exactly one patch file");
+        const BR::Patch patch = BR::ParsePatch(argv[2]);
+        const int64_t frames = BR::RunPatch(patch);
+        for (const BR::PatchInstance& instance : patch.instances)
+            std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames,
+                         instance.outPath.c_str());
         return 0;
     }
     if (command == "bench") {
@@ -66,6 +80,9 @@ int Dispatch(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return Dispatch(argc, argv);
+    } catch (const BR::InputError& e) {
+        std::fprintf(stderr, "corvane: %s\n", e.what());
+        return 2;
     } catch (const BR::UsageError& e) {
         std::fprintf(stderr, "corvane: %s\n%s", e.what(), kUsage);
         return 2;

@@ -1,0 +1,72 @@
+// A patch: several instances in one process, fed by each other, by WAV files or by silence, rendered
+// block by block in the order of their dependencies under one shared transport, one WAV each.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "RenderPieces.h"
+#include "WavFile.h"
+#include "framework/ModuleCatalogue.h"
+
+namespace BR {
+
+// Where one module input comes from.
+struct PatchSource {
+    enum class Kind { Silence, Instance, File };
+    Kind kind = Kind::Silence;
+    size_t index = 0;     // the instance, or the file in Patch::files
+    int32_t channel = 0;  // output channel of the instance, or channel of the file, from 0
+};
+
+struct PatchSetting {
+    std::string name;
+    std::string value;  // as text: a number, "on"/"off", or a value name
+    std::string place;  // instances[0].set."Output Positive L"
+};
+
+struct PatchInstance {
+    std::string name;
+    std::string place;  // instances[0]
+    const CatalogueEntry* entry = nullptr;
+    std::vector<PatchSetting> sets;
+    std::vector<MidiEventSpec> events;  // from "midi" and "events" together
+    std::vector<PatchSource> inputs;    // one per module input; silence past the list
+    std::string statePath;              // absolute or from the working folder; empty for none
+    std::string outPath;
+};
+
+struct Patch {
+    std::string path;  // the patch file, as given: every message starts with it
+    double sampleRate = 48000;
+    uint32_t blockSize = 256;
+    int64_t frames = 48000;
+    TransportSettings transport;
+    std::vector<PatchInstance> instances;
+    std::vector<AudioData> files;  // input WAVs, each read once
+    std::vector<size_t> order;     // instances in rendering order: every source before what it feeds
+};
+
+// How the module names of a patch become modules: the catalogue and this build's factories, unless a
+// test brings modules of its own.
+struct ModuleSource {
+    std::function<const CatalogueEntry*(const std::string& stemOrId)> find;
+    std::function<std::unique_ptr<BrelCorvaneBase>(const CatalogueEntry& entry)> create;
+};
+const ModuleSource& BuiltModules();
+
+// Reads and checks a patch file, with its MIDI and WAV files. Throws InputError naming the file and
+// the place in it ("patch.json: instances[1].inputs[0]: ...").
+Patch ParsePatch(const std::string& path, const ModuleSource& modules = BuiltModules());
+// Renders and writes one WAV per instance; returns the frames rendered. Settings and states that a
+// module refuses end it with an InputError before anything is written.
+int64_t RunPatch(const Patch& patch, const ModuleSource& modules = BuiltModules());
+
+// Fills `order`, or throws InputError at the input that closes a loop of instances feeding each other.
+void OrderInstances(Patch& patch);
+
+}  // namespace BR
