@@ -276,6 +276,13 @@ void BrelCorvane::InitModule() {
     std::memset(mix, 0, sizeof mix);
     for (BR::OutputSmoother& s : smoother)
         s.Reset();
+    std::fill(smoothingUsed, smoothingUsed + kNumOutputs, 0.0f);
+    smoothingRate = 0.0f;
+    portamentoSamplesUsed = -1.0f;
+    exponentialCoefficient = 0.0f;
+    pitch = PitchSettings{};
+    gate = GateSettings{};
+    velocityLow = velocityRange = 0.0f;
     hardwareMode = targetHardware = targetChannel = interfaceCategory = 0;
     std::fill(bipolar, bipolar + 3, false);
     *display = VoiceControllerStatus{};
@@ -298,7 +305,8 @@ void BrelCorvane::PrepareParameterRestore() {
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
     // Events at the block's first frame meet this block's settings.
-    ReadSettings();
+    ReadParameters();
+    UpdateNoteOutputs();
     return true;
 }
 
@@ -307,7 +315,8 @@ void BrelCorvane::BeginSlice(uint32_t frames, uint32_t) {
     lfoPhase += float(frames) / sampleRate * GetTableValue(kPitchLFOSpeed);
     lfoPhase -= std::floor(lfoPhase);
     sine = BR::PolySine(lfoPhase);
-    ReadSettings();
+    ReadParameters();
+    UpdateNoteOutputs();
     for (int32_t e = 0; e < kNumEnvelopes; ++e)
         BR::envBlockUpdate(envelopes[e], envParameters[e], sampleRate, display->envelope[e]);
 }
@@ -324,21 +333,19 @@ void BrelCorvane::SelectMode() {
     }
 }
 
-void BrelCorvane::ReadSettings() {
+void BrelCorvane::ReadParameters() {
     SelectMode();
     notePriority = int32_t(GetTableValue(kNotePriority));
     retriggerMode = int32_t(GetTableValue(kRetriggerMode));
     pitchWheelRange = GetTableValue(kPitchWheelRange);
     for (int32_t e = 0; e < kNumEnvelopes; ++e)
         BR::ReadEnvParameters(*this, EnvelopeRows(e), envParameters[e]);
-
-    float p = currentNote + pitchBend + GetTableValue(kRandomTuning) * 0.01f * randomTuning;
-    if (GetTableValue(kOverridePitch) != 0.0f) p = GetTableValue(kPitch);
-    p += (sine * GetTableValue(kPitchLFODepth) + GetTableValue(kDetune)) * 0.01f + GetTableValue(kTranspose);
-    p = std::clamp(p, 0.0f, 127.0f);
-    pitchTarget = calibration.Convert(p);
-    display->note = p;
-    display->value = pitchTarget;
+    pitch.randomCents = GetTableValue(kRandomTuning);
+    pitch.override = GetTableValue(kOverridePitch) != 0.0f;
+    pitch.overrideNote = GetTableValue(kPitch);
+    pitch.vibratoCents = GetTableValue(kPitchLFODepth);
+    pitch.detuneCents = GetTableValue(kDetune);
+    pitch.transpose = GetTableValue(kTranspose);
 
     portamentoMode = int32_t(GetTableValue(kPortamentoMode));
     const float time = GetTableValue(kPortamentoTime);
@@ -347,9 +354,13 @@ void BrelCorvane::ReadSettings() {
             portamentoActive = true;
             [[fallthrough]];
         case kPortaFingered: {
-            // Time 0 gives exp(-infinity), 0: the pitch jumps.
+            // Time 0 gives exp(-infinity), 0: the pitch jumps. Computed again only when it changes.
             const float samples = time * sampleRate;
-            portamentoCoefficient = samples > 0.0f ? std::exp(-4.0f / samples) : 0.0f;
+            if (samples != portamentoSamplesUsed) {
+                portamentoSamplesUsed = samples;
+                exponentialCoefficient = samples > 0.0f ? std::exp(-4.0f / samples) : 0.0f;
+            }
+            portamentoCoefficient = exponentialCoefficient;
             break;
         }
         case kPortaCTAuto:
@@ -370,26 +381,27 @@ void BrelCorvane::ReadSettings() {
             break;
     }
 
-    gateOpenVoltage = GetTableValue(kGateOpenVoltage);
-    if (GetTableValue(kOverrideGate) == 0.0f) {
-        gateVoltage = gateOpen ? gateOpenVoltage : GetTableValue(kGateClosedVoltage);
-    } else {
-        gateVoltage = GetTableValue(kGate);  // the voltage itself, not a place between the two
-    }
+    gate.openVoltage = gateOpenVoltage = GetTableValue(kGateOpenVoltage);
+    gate.closedVoltage = GetTableValue(kGateClosedVoltage);
+    gate.override = GetTableValue(kOverrideGate) != 0.0f;
+    gate.overrideVoltage = GetTableValue(kGate);
     triggerOn = GetTableValue(kTriggerOnVoltage);
     triggerOff = GetTableValue(kTriggerOffVoltage);
     triggerLengthSamples =
         uint32_t(std::max(1, int32_t(sampleRate * GetTableValue(kTriggerLength) * 0.001f)));
-    const float low = GetTableValue(kVelocityMinVoltage);
-    const float range = GetTableValue(kVelocityMaxVoltage) - low;
-    velocityVoltage = range * noteVelocity + low;
-    releaseVoltage = range * releaseVelocity + low;
+    velocityLow = GetTableValue(kVelocityMinVoltage);
+    velocityRange = GetTableValue(kVelocityMaxVoltage) - velocityLow;
 
     for (int32_t o = 0; o < kNumOutputs; ++o) {
         for (int32_t k = 0; k < kNumSources; ++k)
             mix[o][k] = GetTableValue(kOutput1Offset + o * kNumSources + k);
-        smoother[o].Configure(GetTableValue(kOutput1Smoothing + o), sampleRate);
+        const float ms = GetTableValue(kOutput1Smoothing + o);
+        if (ms != smoothingUsed[o] || sampleRate != smoothingRate) {
+            smoothingUsed[o] = ms;
+            smoother[o].Configure(ms, sampleRate);
+        }
     }
+    smoothingRate = sampleRate;
 
     hardwareMode = int32_t(GetTableValue(kHardwareMode));
     if (hardwareMode == 1)
@@ -402,6 +414,20 @@ void BrelCorvane::ReadSettings() {
     interfaceCategory = int32_t(GetTableValue(kInterfaceCategory));
     display->mode = mode;
     display->measureStep = measurement.Step();
+}
+
+void BrelCorvane::UpdateNoteOutputs() {
+    float p = currentNote + pitchBend + pitch.randomCents * 0.01f * randomTuning;
+    if (pitch.override) p = pitch.overrideNote;
+    p += (sine * pitch.vibratoCents + pitch.detuneCents) * 0.01f + pitch.transpose;
+    p = std::clamp(p, 0.0f, 127.0f);
+    pitchTarget = calibration.Convert(p);
+    display->note = p;
+    display->value = pitchTarget;
+    // An overridden gate is the voltage itself, not a place between the two.
+    gateVoltage = gate.override ? gate.overrideVoltage : (gateOpen ? gate.openVoltage : gate.closedVoltage);
+    velocityVoltage = velocityRange * noteVelocity + velocityLow;
+    releaseVoltage = velocityRange * releaseVelocity + velocityLow;
 }
 
 void BrelCorvane::HandleQueuedMessage(BR::MessageQueueItem* item) {

@@ -154,10 +154,12 @@ public:
     const BR::CalibrationMeasurement& Measurement() const { return measurement; }
 
 private:
-    // Settings read at each block and sub-block start; idempotent, so a voice may run it again after
-    // the events of a marker.
-    void ReadSettings();
+    // Parameters read at each block and sub-block start.
+    void ReadParameters();
     void SelectMode();
+    // Pitch, gate and velocity of the present note with those parameters; a voice runs it again after
+    // the events of a marker, so that a note acts from the marker's sample on.
+    void UpdateNoteOutputs();
 
     // Note logic (VoiceAllocation.cpp).
     void MonoEvent(uint8_t status, uint8_t data1, uint8_t data2);
@@ -180,7 +182,8 @@ private:
     void AddToRing(const BR::MessageQueueItem& item, int32_t voice, int32_t& added);
     void SendNoteOff(const BR::MessageQueueItem& cause, int32_t note, int32_t voice, int32_t& added);
     void ScanVoiceInput(const float* input, float** outputs, uint32_t frames);
-    void PlayBatch(const BrelCorvane& master, int32_t batch);
+    // True when an event of the batch was meant for this voice.
+    bool PlayBatch(const BrelCorvane& master, int32_t batch);
     void RunSubBlock(float** inputs, float** outputs, uint32_t frames);
     void NotifyScripts(BR::MessageQueueItem& item);
 
@@ -235,6 +238,19 @@ private:
     uint32_t glideLeft;
     float glideStart;
     float gateVoltage, gateOpenVoltage;
+    struct PitchSettings {
+        float randomCents = 0.0f, overrideNote = 0.0f, vibratoCents = 0.0f, detuneCents = 0.0f,
+              transpose = 0.0f;
+        bool override = false;
+    } pitch;
+    struct GateSettings {
+        float openVoltage = 0.0f, closedVoltage = 0.0f, overrideVoltage = 0.0f;
+        bool override = false;
+    } gate;
+    float velocityLow, velocityRange;
+    float portamentoSamplesUsed,
+        exponentialCoefficient;  // the exponential coefficient, kept until the time changes
+    float smoothingUsed[kNumOutputs], smoothingRate;  // what each smoother was configured with
     float triggerOn, triggerOff;
     float velocityVoltage, releaseVoltage;
     uint32_t triggerLengthSamples;

@@ -220,23 +220,25 @@ void BrelCorvane::ScanVoiceInput(const float* input, float** outputs, uint32_t f
         const int32_t batch = int32_t((b >> 16) & 127);
         if (batch >= kRingSize || (b & 0xFFFF) != 0) continue;
         std::lock_guard<std::recursive_mutex> lock(BR::InstanceRegistry::Lock());
-        if (const BrelCorvane* master = FindMaster()) {
-            PlayBatch(*master, batch);
-            ReadSettings();  // gate, pitch and velocity of the new note from this sample on
-        }
+        const BrelCorvane* master = FindMaster();
+        // Gate, pitch and velocity of a new note from this sample on.
+        if (master && PlayBatch(*master, batch)) UpdateNoteOutputs();
     }
     if (frames > start) Render(outputs, start, frames - start);
 }
 
-void BrelCorvane::PlayBatch(const BrelCorvane& master, int32_t batch) {
+bool BrelCorvane::PlayBatch(const BrelCorvane& master, int32_t batch) {
     // Read without a lock: a batch is complete before its marker leaves the master.
     const EventBatch& entry = master.Batch(batch);
+    bool played = false;
     for (int32_t i = 0; i < entry.count; ++i) {
         const VoiceEvent& event = master.RingEvent(entry.start + i);
         if (event.kind != BR::kMessageShortMIDI) continue;
-        if (event.voice == 0 || event.voice == voiceId)
-            MonoEvent(event.status, event.dataByte1, event.dataByte2);
+        if (event.voice != 0 && event.voice != voiceId) continue;
+        MonoEvent(event.status, event.dataByte1, event.dataByte2);
+        played = true;
     }
+    return played;
 }
 
 }  // namespace BrelCorvaneVoiceController
