@@ -130,6 +130,11 @@ size_t NumInstances() {
     return TheRegistry().entries.size();
 }
 
+BrelCorvaneBase* InstanceAt(size_t index) {
+    const auto& entries = TheRegistry().entries;
+    return index < entries.size() ? entries[index].instance : nullptr;
+}
+
 void AddReceiver(IBrelParameterNotificationReceiver* receiver) {
     Guard guard(Lock());
     TheRegistry().receivers.push_back(receiver);

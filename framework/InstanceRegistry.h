@@ -48,6 +48,8 @@ bool PeekInstanceIds(BrelCorvaneBase* instance, uint32_t& localId, uint32_t& glo
 // A 0 leaves that number as it is. Others holding an equal number are renumbered.
 void SetInstanceIds(BrelCorvaneBase* instance, uint32_t localId, uint32_t globalId);
 size_t NumInstances();
+// Caller holds the lock: the instance at a place in the list, in order of adding; null past the end.
+BrelCorvaneBase* InstanceAt(size_t index);
 
 void AddReceiver(IBrelParameterNotificationReceiver* receiver);
 void RemoveReceiver(IBrelParameterNotificationReceiver* receiver);

@@ -6,6 +6,7 @@
 #include "modules/sequencing/StepLFO.h"
 #include "modules/sequencing/Sync.h"
 #include "modules/sequencing/Trigger.h"
+#include "modules/sequencing/VoiceController.h"
 #include "modules/simple/DC.h"
 #include "modules/simple/Function.h"
 #include "modules/simple/LFO.h"
@@ -19,9 +20,15 @@ struct FactoryRow {
 };
 
 const FactoryRow kFactories[] = {
-    {"dc", &BrelCorvaneDC::Create},     {"Function", &BrelCorvaneFunction::Create},
-    {"lfo", &BrelCorvaneLFO::Create},   {"steplfo", &BrelCorvaneStepLFO::Create},
-    {"sync", &BrelCorvaneSync::Create}, {"trigger", &BrelCorvaneTrigger::Create},
+    // clang-format off
+    {"dc", &BrelCorvaneDC::Create},
+    {"Function", &BrelCorvaneFunction::Create},
+    {"lfo", &BrelCorvaneLFO::Create},
+    {"steplfo", &BrelCorvaneStepLFO::Create},
+    {"sync", &BrelCorvaneSync::Create},
+    {"trigger", &BrelCorvaneTrigger::Create},
+    {"voicecontroller", &BrelCorvaneVoiceController::Create},
+    // clang-format on
 };
 }  // namespace
 

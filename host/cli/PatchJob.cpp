@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "CalibrationOptions.h"
 #include "CommandLine.h"
 #include "StateFile.h"
 #include "host/HostDriver.h"
@@ -85,6 +86,9 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules) {
                 throw InputError(patch.path + ": " + e.what());
             }
         }
+        if (!instance.calibrationPath.empty())
+            LoadCalibrationOption(*driver, instance.calibrationPath,
+                                  patch.path + ": " + instance.place + ".calibration");
         drivers.push_back(std::move(driver));
     }
 

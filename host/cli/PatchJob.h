@@ -37,6 +37,7 @@ struct PatchInstance {
     std::vector<MidiEventSpec> events;  // from "midi" and "events" together
     std::vector<PatchSource> inputs;    // one per module input; silence past the list
     std::string statePath;              // absolute or from the working folder; empty for none
+    std::string calibrationPath;        // a calibration file loaded after the settings; empty for none
     std::string outPath;
 };
 

@@ -242,6 +242,8 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
                 ReadSource(inputs[k], place + ".inputs[" + std::to_string(k) + "]", patch));
     }
     if (value.contains("state")) instance.statePath = Resolve(Text(value["state"], place + ".state"));
+    if (value.contains("calibration"))
+        instance.calibrationPath = Resolve(Text(value["calibration"], place + ".calibration"));
     instance.outPath =
         Resolve(value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav");
     const std::filesystem::path outFolder = std::filesystem::path(instance.outPath).parent_path();
@@ -286,7 +288,7 @@ Patch PatchReader::Read() {
         instance.place = "instances[" + std::to_string(i) + "]";
         const Json& value = instances[i];
         OnlyKeys(value, instance.place,
-                 {"name", "module", "set", "midi", "events", "inputs", "state", "out"});
+                 {"name", "module", "set", "midi", "events", "inputs", "state", "calibration", "out"});
         if (!value.contains("name")) Fail(instance.place + ".name", "missing");
         instance.name = Text(value["name"], instance.place + ".name");
         if (instance.name.empty()) Fail(instance.place + ".name", "must not be empty");

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "CalibrationOptions.h"
 #include "CommandLine.h"
 #include "MidiFile.h"
 #include "StateFile.h"
@@ -97,6 +98,10 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
             job.stateIn = cursor.Value(option);
         } else if (option == "--state-out") {
             job.stateOut = cursor.Value(option);
+        } else if (option == "--calibration-in") {
+            job.calibrationIn = cursor.Value(option);
+        } else if (option == "--calibration-out") {
+            job.calibrationOut = cursor.Value(option);
         } else if (option == "--out") {
             job.outputPath = cursor.Value(option);
         } else if (!ParseTransportOption(option, cursor, job.transport)) {
@@ -155,6 +160,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     }
     for (const auto& [name, value] : job.sets)
         ApplySetting(driver, name, value);
+    if (!job.calibrationIn.empty()) LoadCalibrationOption(driver, job.calibrationIn, "--calibration-in");
 
     const size_t numIn = size_t(driver.NumHostInputs()), numOut = size_t(driver.NumHostOutputs());
     AudioData output;
@@ -179,6 +185,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     driver.SetTransport(nullptr);
     WriteWav(job.outputPath, output);
     if (!job.stateOut.empty()) WriteStateFile(job.stateOut, driver);
+    if (!job.calibrationOut.empty()) SaveCalibrationOption(driver, job.calibrationOut, "--calibration-out");
     return frames;
 }
 

@@ -18,7 +18,7 @@ const char* kUsage =
     "  render STEM [options]     render offline to a 32-bit float WAV\n"
     "      --rate HZ  --block N  --frames N | --seconds S  --set \"NAME=VALUE\"...\n"
     "      --in FILE.wav  --event FRAME:HEXBYTES...  --midi FILE.mid  --out FILE.wav\n"
-    "      --state-in FILE  --state-out FILE\n"
+    "      --state-in FILE  --state-out FILE  --calibration-in FILE  --calibration-out FILE\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "  patch FILE.json           render several instances together, one WAV each\n"

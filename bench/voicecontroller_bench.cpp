@@ -1,0 +1,170 @@
+// Voice Controller rendered through RenderAudio: one instance with every matrix signal moving on all six
+// outputs, and a master distributing notes to 16 voice instances. Each against a plain loop that does
+// the same per-sample arithmetic with no framework, note logic or registry around it.
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "BenchSupport.h"
+
+namespace {
+
+const char* kSources[8] = {"Offset", "Pitch", "Gate", "Env1", "Env2", "Env3", "Trigger", "Velocity"};
+
+// Every coefficient above the 0.001 threshold, portamento gliding, and smoothing on every output.
+void SetAllSignals(BR::HostDriver& driver) {
+    for (int o = 1; o <= 6; ++o) {
+        for (int k = 0; k < 8; ++k)
+            driver.SetParameterByName("Output " + std::to_string(o) + " " + kSources[k],
+                                      0.1f + 0.01f * float(k + o));
+        driver.SetParameterByName("Output " + std::to_string(o) + " Smoothing", o % 2 ? 2.0f : -2.0f);
+    }
+    driver.SetParameterByName("Portamento Mode", 1);
+    driver.SetParameterByName("Portamento Time", 0.5f);
+    driver.SetParameterByName("Trigger Length", 100.0f);
+    driver.SetParameterByName("Pitch LFO Depth", 20.0f);
+    for (int e = 1; e <= 3; ++e)
+        driver.SetParameterByName("Env " + std::to_string(e) + " Time A2", 1.0f);
+}
+
+void BM_VoiceControllerAllSignals(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    BR::Bench::ModuleRig rig("voicecontroller", block);
+    SetAllSignals(*rig.driver);
+    uint8_t on[3] = {0x90, 60, 100};
+    uint32_t count = 0;
+    for (auto _ : state) {
+        // A new note now and then keeps the glide, the trigger and the attacks moving.
+        const bool noteNow = (count++ * block) % 24000 < block;
+        on[1] = uint8_t(48 + count % 24);
+        const BR::TimedMidi midi[1] = {{0, 3, on}};
+        rig.driver->Process(rig.inPointers.data(), rig.outPointers.data(), block, midi, noteNow ? 1 : 0);
+        benchmark::DoNotOptimize(rig.out[0].data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * block);
+    state.counters["ns_per_frame"] = benchmark::Counter(
+        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// The same arithmetic as one instance: a one-pole glide, a trigger fill, three envelope recurrences,
+// five moving signals mixed into six outputs, and a slew limiter on each.
+struct PlainVoice {
+    explicit PlainVoice(uint32_t block)
+        : slots(6, std::vector<float>(block)), out(6, std::vector<float>(block)) {}
+    void Render(uint32_t block) {
+        float glide = pitch;
+        for (uint32_t i = 0; i < block; ++i) {
+            glide = (glide - 0.5f) * 0.9998f + 0.5f;
+            slots[0][i] = glide;
+        }
+        pitch = glide;
+        for (uint32_t i = 0; i < block; ++i)
+            slots[4][i] = i < 16 ? 1.0f : 0.0f;
+        for (int e = 1; e <= 3; ++e) {
+            float level = env[e - 1];
+            for (uint32_t i = 0; i < block; ++i) {
+                level = 0.9999f * level + 0.0001f;
+                slots[size_t(e)][i] = level;
+            }
+            env[e - 1] = level;
+        }
+        for (int o = 0; o < 6; ++o) {
+            float* y = out[size_t(o)].data();
+            const float base = 0.1f * float(o) + 0.3f;
+            float smooth = state[o];
+            for (uint32_t i = 0; i < block; ++i) {
+                const float v = base + 0.11f * slots[0][i] + 0.12f * slots[1][i] + 0.13f * slots[2][i] +
+                                0.14f * slots[3][i] + 0.15f * slots[4][i];
+                const float d = v - smooth;
+                smooth = d >= 0.02f ? smooth + 0.02f : (d <= -0.02f ? smooth - 0.02f : v);
+                y[i] = smooth;
+            }
+            state[o] = smooth;
+        }
+    }
+    std::vector<std::vector<float>> slots, out;
+    float pitch = 0.0f, env[3] = {0, 0, 0}, state[6] = {0, 0, 0, 0, 0, 0};
+};
+
+void BM_PlainVoice(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    PlainVoice voice(block);
+    for (auto _ : state) {
+        voice.Render(block);
+        benchmark::DoNotOptimize(voice.out[0].data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * block);
+    state.counters["ns_per_frame"] = benchmark::Counter(
+        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// A master and 16 voices fed by its first output; four notes start and four end in every block.
+void BM_MasterSixteenVoices(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    BR::Bench::ModuleRig master("voicecontroller", block);
+    master.driver->SetParameterByName("Poly Mode", 1);
+    master.driver->SetParameterByName("Polyphony/Voice", 16);
+    std::vector<std::unique_ptr<BR::Bench::ModuleRig>> voices;
+    for (int v = 1; v <= 16; ++v) {
+        voices.push_back(std::make_unique<BR::Bench::ModuleRig>("voicecontroller", block));
+        voices.back()->driver->SetParameterByName("Poly Mode", 2);
+        voices.back()->driver->SetParameterByName("Polyphony/Voice", float(v));
+        SetAllSignals(*voices.back()->driver);
+    }
+    uint8_t bytes[8][3];
+    BR::TimedMidi midi[8];
+    uint32_t count = 0;
+    for (auto _ : state) {
+        for (int k = 0; k < 4; ++k) {
+            const uint8_t note = uint8_t(36 + (count * 4 + uint32_t(k)) % 48);
+            const uint8_t old = uint8_t(36 + (count * 4 + uint32_t(k) + 48 - 12) % 48);
+            bytes[k][0] = 0x90, bytes[k][1] = note, bytes[k][2] = 100;
+            bytes[4 + k][0] = 0x80, bytes[4 + k][1] = old, bytes[4 + k][2] = 0;
+            midi[k] = {uint32_t(k) * block / 8, 3, bytes[k]};
+            midi[4 + k] = {block / 2 + uint32_t(k) * block / 8, 3, bytes[4 + k]};
+        }
+        ++count;
+        master.driver->Process(master.inPointers.data(), master.outPointers.data(), block, midi, 8);
+        const float* fed[1] = {master.out[0].data()};
+        for (auto& voice : voices)
+            voice->driver->Process(fed, voice->outPointers.data(), block, nullptr, 0);
+        benchmark::DoNotOptimize(voices.back()->out[0].data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * block);
+    state.counters["ns_per_frame"] = benchmark::Counter(
+        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// Seventeen plain voices: the arithmetic of the master's outputs and of the 16 voices.
+void BM_PlainSeventeenVoices(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    std::vector<PlainVoice> voices(17, PlainVoice(block));
+    for (auto _ : state) {
+        for (PlainVoice& voice : voices)
+            voice.Render(block);
+        benchmark::DoNotOptimize(voices.back().out[0].data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * block);
+    state.counters["ns_per_frame"] = benchmark::Counter(
+        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+BENCHMARK(BM_VoiceControllerAllSignals)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainVoice)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_MasterSixteenVoices)->Arg(64)->Arg(256);
+BENCHMARK(BM_PlainSeventeenVoices)->Arg(64)->Arg(256);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return BR::Bench::RunWithRatios(argc, argv,
+                                    {{"BM_VoiceControllerAllSignals/32", "BM_PlainVoice/32"},
+                                     {"BM_VoiceControllerAllSignals/256", "BM_PlainVoice/256"},
+                                     {"BM_VoiceControllerAllSignals/1024", "BM_PlainVoice/1024"},
+                                     {"BM_MasterSixteenVoices/64", "BM_PlainSeventeenVoices/64"},
+                                     {"BM_MasterSixteenVoices/256", "BM_PlainSeventeenVoices/256"}});
+}

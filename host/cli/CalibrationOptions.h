@@ -1,0 +1,16 @@
+// Calibration files on the command line: loading one into a module's table before a render, and
+// saving the table after it, as the editor's "VCLoad" and "VCSave" do.
+#pragma once
+
+#include <string>
+
+#include "host/HostDriver.h"
+
+namespace BR {
+
+// Throws UsageError when the module keeps no calibration table, InputError with the file's error text.
+// `what` starts each message ("--calibration-in").
+void LoadCalibrationOption(HostDriver& driver, const std::string& path, const std::string& what);
+void SaveCalibrationOption(HostDriver& driver, const std::string& path, const std::string& what);
+
+}  // namespace BR

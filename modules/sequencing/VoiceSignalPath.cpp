@@ -1,0 +1,202 @@
+// Voice Controller signal path: portamento on the calibrated pitch, trigger pulse, envelopes, the
+// 6 by 8 mix with an inner loop per number of moving signals, output smoothing, and the outputs
+// while a calibration is measured.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "VoiceController.h"
+
+namespace BrelCorvaneVoiceController {
+
+namespace {
+
+// Coefficients at or below this magnitude leave a moving signal out of the mix altogether.
+constexpr float kMixThreshold = 0.001f;
+constexpr int32_t kMaxMoving = 5;  // pitch, Env1, Env2, Env3, trigger
+
+template <int N>
+void MixLoop(float* y, float base, const float* const* signals, const float* coefficients, uint32_t frames) {
+    const float* s[N > 0 ? N : 1];
+    float c[N > 0 ? N : 1];
+    for (int k = 0; k < N; ++k) {
+        s[k] = signals[k];
+        c[k] = coefficients[k];
+    }
+    for (uint32_t i = 0; i < frames; ++i) {
+        float v = base;
+        for (int k = 0; k < N; ++k)
+            v += c[k] * s[k][i];
+        y[i] = v;
+    }
+}
+
+}  // namespace
+
+void BrelCorvane::Render(float** outputs, uint32_t offset, uint32_t frames) {
+    // A host block longer than announced is still served, in pieces that fit the scratch slots.
+    while (frames != 0) {
+        const uint32_t n = std::min(frames, scratchFrames);
+        RenderChunk(outputs, offset, n);
+        offset += n;
+        frames -= n;
+    }
+}
+
+void BrelCorvane::RenderChunk(float** outputs, uint32_t offset, uint32_t frames) {
+    float* base = scratch.data();
+    if (portamentoActive) {
+        RenderPitch(base + kSourcePitch * scratchFrames, frames);
+    } else {
+        glidePitch = pitchTarget;
+    }
+
+    float* trigger = base + kSourceTrigger * scratchFrames;
+    const uint32_t on = std::min(frames, triggerSamplesLeft);
+    std::fill(trigger, trigger + on, triggerOn);
+    std::fill(trigger + on, trigger + frames, triggerOff);
+    triggerSamplesLeft -= on;
+
+    for (int32_t e = 0; e < kNumEnvelopes; ++e)
+        BR::renderEnvelope(envelopes[e], base + (kSourceEnv1 + e) * scratchFrames, frames);
+
+    MixOutputs(outputs, offset, frames, mode == kModeMaster ? 2 : 0);
+    Smooth(outputs, offset, frames);
+}
+
+void BrelCorvane::RenderPitch(float* slot, uint32_t frames) {
+    const float target = pitchTarget;
+    if (portamentoMode == kPortaAuto || portamentoMode == kPortaFingered) {
+        float g = glidePitch;
+        const float c = portamentoCoefficient;
+        for (uint32_t i = 0; i < frames; ++i) {
+            g = (g - target) * c + target;
+            slot[i] = g;
+        }
+        glidePitch = g;
+        return;
+    }
+    // Constant time: t runs from 1 down to 0 over the glide; shape 0 is a line, shape 1 a parabola
+    // that lands softly.
+    const uint32_t m = std::min(frames, glideLeft);
+    const float d = glideStart - target;
+    const float c = d * glideShape;
+    const float e = d - c;
+    const float step = portamentoCoefficient;
+    float t = float(glideLeft) * step;
+    float last = glidePitch;
+    for (uint32_t i = 0; i < m; ++i) {
+        last = (t * c + e) * t + target;
+        slot[i] = last;
+        t -= step;
+    }
+    glideLeft -= m;
+    std::fill(slot + m, slot + frames, target);
+    glidePitch = m < frames ? target : last;
+}
+
+void BrelCorvane::StartGlide() {
+    glideLeft = glideSamples;
+    glideStart = glidePitch;
+}
+
+void BrelCorvane::MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput) {
+    const float* slots = scratch.data();
+    for (int32_t o = firstOutput; o < kNumOutputs; ++o) {
+        const float* m = mix[o];
+        float base = gateVoltage * m[kSourceGate] + m[kSourceOffset] + velocityVoltage * m[kSourceVelocity];
+        if (!portamentoActive) base += m[kSourcePitch] * pitchTarget;
+        const float* signals[kMaxMoving];
+        float coefficients[kMaxMoving];
+        int32_t moving = 0;
+        auto take = [&](int32_t source) {
+            if (std::fabs(m[source]) <= kMixThreshold) return;
+            signals[moving] = slots + source * scratchFrames;
+            coefficients[moving++] = m[source];
+        };
+        if (portamentoActive) take(kSourcePitch);
+        for (int32_t e = 0; e < kNumEnvelopes; ++e)
+            take(kSourceEnv1 + e);
+        take(kSourceTrigger);
+
+        float* y = outputs[o] + offset;
+        switch (moving) {
+            case 0:
+                std::fill(y, y + frames, base);
+                break;
+            case 1:
+                MixLoop<1>(y, base, signals, coefficients, frames);
+                break;
+            case 2:
+                MixLoop<2>(y, base, signals, coefficients, frames);
+                break;
+            case 3:
+                MixLoop<3>(y, base, signals, coefficients, frames);
+                break;
+            case 4:
+                MixLoop<4>(y, base, signals, coefficients, frames);
+                break;
+            default:
+                MixLoop<5>(y, base, signals, coefficients, frames);
+                break;
+        }
+    }
+}
+
+void BrelCorvane::Smooth(float** outputs, uint32_t offset, uint32_t frames) {
+    // In a master, or with a hardware mode, the first two outputs carry data that must stay exact.
+    const int32_t first = mode == kModeMaster || hardwareMode != 0 ? 2 : 0;
+    for (int32_t o = first; o < kNumOutputs; ++o)
+        smoother[o].Process(outputs[o] + offset, int(frames));
+}
+
+void BrelCorvane::Measure(float** inputs, float** outputs, uint32_t frames) {
+    uint32_t done = 0;
+    while (done < frames) {
+        if (measurement.Finishing()) {
+            measurement.Finish(calibration);
+            mode = kModeNormal;
+            display->mode = mode;
+            SetPropertyAndNotify(BR::kPropertyCalibrationName, "<>", 3);
+            Render(outputs, done, frames - done);
+            return;
+        }
+        const float level = measurement.Level();
+        const uint32_t n = measurement.Pass(inputs[0] + done, frames - done, calibration, sampleRate);
+        if (n == 0) break;
+        RenderMeasureLevel(outputs, done, n, level);
+        done += n;
+    }
+    display->measureStep = measurement.Step();
+}
+
+void BrelCorvane::RenderMeasureLevel(float** outputs, uint32_t offset, uint32_t frames, float level) {
+    // The normal mix with fixed signals: pitch at the level, gate open, envelopes high, trigger off,
+    // velocity 0, no portamento; a patched gate and envelopes keep the oscillator sounding.
+    const float savedPitch = pitchTarget, savedGate = gateVoltage, savedVelocity = velocityVoltage;
+    const bool savedPortamento = portamentoActive;
+    pitchTarget = level;
+    gateVoltage = gateOpenVoltage;
+    velocityVoltage = 0.0f;
+    portamentoActive = false;
+    float* base = scratch.data();
+    while (frames != 0) {
+        const uint32_t n = std::min(frames, scratchFrames);
+        for (int32_t e = 0; e < kNumEnvelopes; ++e) {
+            float* slot = base + (kSourceEnv1 + e) * scratchFrames;
+            std::fill(slot, slot + n, 1.0f);
+        }
+        float* trigger = base + kSourceTrigger * scratchFrames;
+        std::fill(trigger, trigger + n, triggerOff);
+        MixOutputs(outputs, offset, n, 0);
+        Smooth(outputs, offset, n);
+        offset += n;
+        frames -= n;
+    }
+    pitchTarget = savedPitch;
+    gateVoltage = savedGate;
+    velocityVoltage = savedVelocity;
+    portamentoActive = savedPortamento;
+}
+
+}  // namespace BrelCorvaneVoiceController
