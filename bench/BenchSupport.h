@@ -24,6 +24,14 @@ struct ModuleRig {
     std::vector<float*> outPointers;
 };
 
+// Reports frames per second and nanoseconds per frame for `framesPerIteration` frames each iteration.
+inline void CountFrames(benchmark::State& state, int64_t framesPerIteration) {
+    state.SetItemsProcessed(int64_t(state.iterations()) * framesPerIteration);
+    state.counters["ns_per_frame"] =
+        benchmark::Counter(double(state.iterations()) * double(framesPerIteration),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
 // Runs the registered benchmarks, then prints "ratio NAME / BASELINE" for each pair registered.
 int RunWithRatios(int argc, char** argv, const std::vector<std::pair<std::string, std::string>>& pairs);
 

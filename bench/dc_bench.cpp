@@ -14,9 +14,7 @@ void BM_DCRender(benchmark::State& state) {
         benchmark::DoNotOptimize(rig.out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 // The same per-sample arithmetic and smoothing-off tail on two channels, with no framework around it.
@@ -39,9 +37,7 @@ void BM_PlainLoop(benchmark::State& state) {
         benchmark::DoNotOptimize(last);
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 BENCHMARK(BM_DCRender)->Arg(32)->Arg(256)->Arg(1024);

@@ -19,9 +19,7 @@ void BM_FunctionRender(benchmark::State& state) {
         benchmark::DoNotOptimize(rig.out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 // The logarithm and the exponential over the same input, with no framework around them.
@@ -44,9 +42,7 @@ void BM_PlainLoop(benchmark::State& state) {
         benchmark::DoNotOptimize(out[1].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 BENCHMARK(BM_FunctionRender)->Arg(32)->Arg(256)->Arg(1024);

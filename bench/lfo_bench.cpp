@@ -26,9 +26,7 @@ void BM_LFORender(benchmark::State& state) {
         benchmark::DoNotOptimize(rig.out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 // The same waves, phase, generator and mix on two channels, with no framework around them.
@@ -72,9 +70,7 @@ void BM_PlainLoop(benchmark::State& state) {
         benchmark::DoNotOptimize(out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 BENCHMARK(BM_LFORender)->Arg(32)->Arg(256)->Arg(1024);

@@ -6,9 +6,7 @@
 namespace {
 
 void SetRate(benchmark::State& state, uint32_t block) {
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 void Steps(BR::HostDriver& driver) {

@@ -24,9 +24,7 @@ void RenderSync(benchmark::State& state, bool fsk) {
         benchmark::DoNotOptimize(rig.out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 void BM_SyncRender(benchmark::State& state) {
@@ -54,9 +52,7 @@ void BM_PlainLoop(benchmark::State& state) {
         benchmark::DoNotOptimize(out[1].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 // The FSK tone alone: phase step by the clock's state, polynomial sine, added to one input.
@@ -79,9 +75,7 @@ void BM_PlainToneLoop(benchmark::State& state) {
         benchmark::DoNotOptimize(out[1].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 BENCHMARK(BM_SyncRender)->Arg(32)->Arg(256)->Arg(1024);

@@ -42,9 +42,7 @@ void BM_VoiceControllerAllSignals(benchmark::State& state) {
         benchmark::DoNotOptimize(rig.out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 // The same arithmetic as one instance: a one-pole glide, a trigger fill, three envelope recurrences,
@@ -95,9 +93,7 @@ void BM_PlainVoice(benchmark::State& state) {
         benchmark::DoNotOptimize(voice.out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 // A master and 16 voices fed by its first output; four notes start and four end in every block.
@@ -133,9 +129,7 @@ void BM_MasterSixteenVoices(benchmark::State& state) {
         benchmark::DoNotOptimize(voices.back()->out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 // Seventeen plain voices: the arithmetic of the master's outputs and of the 16 voices.
@@ -148,9 +142,7 @@ void BM_PlainSeventeenVoices(benchmark::State& state) {
         benchmark::DoNotOptimize(voices.back().out[0].data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * block);
-    state.counters["ns_per_frame"] = benchmark::Counter(
-        double(state.iterations()) * block, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    BR::Bench::CountFrames(state, block);
 }
 
 BENCHMARK(BM_VoiceControllerAllSignals)->Arg(32)->Arg(256)->Arg(1024);

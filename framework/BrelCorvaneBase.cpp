@@ -167,19 +167,10 @@ int32_t BrelCorvaneBase::OffDisplayString(BR::DisplayStringRequest& request, boo
     return BR::kErrInvalidParameter;
 }
 
-namespace {
-template <class T>
-int32_t Put(void* data, T value) {
-    if (!data) return BR::kErrInvalidProperty;
-    std::memcpy(data, &value, sizeof value);
-    return BR::kNoErr;
-}
-}  // namespace
-
 int32_t BrelCorvaneBase::GetProperty(uint32_t id, void* data) {
     switch (id) {
         case BR::kPropertySampleRate:
-            return Put(data, double(controller ? controller->GetSampleRate() : sampleRate));
+            return BR::PutProperty(data, double(controller ? controller->GetSampleRate() : sampleRate));
         case BR::kPropertyDisplayString: {
             if (!data) return BR::kErrInvalidProperty;
             auto* request = static_cast<BR::DisplayStringRequest*>(data);
@@ -188,29 +179,29 @@ int32_t BrelCorvaneBase::GetProperty(uint32_t id, void* data) {
             return GetParameterDisplayString(*request);
         }
         case BR::kPropertyStatusBlock:
-            return Put(data, &status);
+            return BR::PutProperty(data, &status);
         case BR::kPropertyProductName:
-            return Put(data, GetProductName());
+            return BR::PutProperty(data, GetProductName());
         case BR::kPropertyModuleName:
-            return Put(data, GetModuleName());
+            return BR::PutProperty(data, GetModuleName());
         case BR::kPropertyShortName:
-            return Put(data, ShortName());
+            return BR::PutProperty(data, ShortName());
         case BR::kPropertyParameterPaths:
-            return Put(data, &ParameterPaths());
+            return BR::PutProperty(data, &ParameterPaths());
         case BR::kPropertyOSCHelper:
-            return Put(data, services ? services->OSCHelperPointer() : nullptr);
+            return BR::PutProperty(data, services ? services->OSCHelperPointer() : nullptr);
         case BR::kPropertyNumTableParameters:
-            return Put(data, uint32_t(numTableParameters));
+            return BR::PutProperty(data, uint32_t(numTableParameters));
         case BR::kPropertyOSCPortOffset:
-            return Put(data, int32_t(GetTableValue(oscPortOffsetIndex)));
+            return BR::PutProperty(data, int32_t(GetTableValue(oscPortOffsetIndex)));
         case BR::kPropertyParameterTable:
-            return Put(data, static_cast<const BR::ParameterDefinition*>(parameters));
+            return BR::PutProperty(data, static_cast<const BR::ParameterDefinition*>(parameters));
         case BR::kPropertyGuiScriptName:
-            return Put(data, GetGuiScriptName());
+            return BR::PutProperty(data, GetGuiScriptName());
         case BR::kPropertyIsLearner:
-            return Put(data, false);
+            return BR::PutProperty(data, false);
         case BR::kPropertyReserved64140:
-            return Put(data, false);
+            return BR::PutProperty(data, false);
         default:
             return BR::kErrInvalidProperty;
     }

@@ -11,6 +11,7 @@
 #include "MessageQueue.h"
 #include "ModuleServices.h"
 #include "ModuleStatusBlock.h"
+#include "PropertyData.h"
 
 namespace BR {
 class StateChunkStore;

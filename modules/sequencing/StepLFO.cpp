@@ -114,12 +114,6 @@ double Frac(double x) {
     return x - std::floor(x);
 }
 
-int32_t HandOut(BR::CountedTextList* list, BR::CountedTextList** out) {
-    list->Retain();
-    *out = list;
-    return BR::kNoErr;
-}
-
 }  // namespace
 
 BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
@@ -346,32 +340,32 @@ int32_t BrelCorvane::GetParameterValueStrings(int32_t tableIndex, BR::CountedTex
     for (int lane = 0; lane < kNumLanes; ++lane) {
         switch (tableIndex - kLaneRows[lane]) {
             case kSpeedMode:
-                return HandOut(speedModes, out);
+                return BR::HandOutValueStrings(speedModes, out);
             case kSpeedMultiplier:
-                return HandOut(factors, out);
+                return BR::HandOutValueStrings(factors, out);
             case kSync:
-                return HandOut(syncs, out);
+                return BR::HandOutValueStrings(syncs, out);
             case kBeatDivisor:
-                return HandOut(divisors, out);
+                return BR::HandOutValueStrings(divisors, out);
             case kRangeMode:
-                return HandOut(ranges, out);
+                return BR::HandOutValueStrings(ranges, out);
             case kLengthMode:
-                return HandOut(lengthModes, out);
+                return BR::HandOutValueStrings(lengthModes, out);
             case kInterpolation:
-                return HandOut(interpolations, out);
+                return BR::HandOutValueStrings(interpolations, out);
             case kInputMode:
-                return HandOut(inputModes, out);
+                return BR::HandOutValueStrings(inputModes, out);
             case kSwingType:
-                return HandOut(swingTypes, out);
+                return BR::HandOutValueStrings(swingTypes, out);
             default:
                 break;
         }
-        if (tableIndex == kResetRows[lane] + kResetByNote) return HandOut(resetKinds, out);
+        if (tableIndex == kResetRows[lane] + kResetByNote) return BR::HandOutValueStrings(resetKinds, out);
         if (tableIndex >= kInputRows[lane] && tableIndex <= kInputRows[lane] + kResetInput)
-            return HandOut(inputs, out);
-        if (tableIndex == kRandomRows[lane] + kRandomMode) return HandOut(rotations, out);
-        if (tableIndex == kDACRows[lane] + kDACScaleMode) return HandOut(scaleModes, out);
-        if (tableIndex == kDACRows[lane] + kDACRangeMode) return HandOut(ranges, out);
+            return BR::HandOutValueStrings(inputs, out);
+        if (tableIndex == kRandomRows[lane] + kRandomMode) return BR::HandOutValueStrings(rotations, out);
+        if (tableIndex == kDACRows[lane] + kDACScaleMode) return BR::HandOutValueStrings(scaleModes, out);
+        if (tableIndex == kDACRows[lane] + kDACRangeMode) return BR::HandOutValueStrings(ranges, out);
     }
     return BR::kErrInvalidParameter;
 }

@@ -495,11 +495,7 @@ void BrelCorvane::RenderChunk(float* const* inputs, float* const* outputs, uint3
 }
 
 int32_t BrelCorvane::GetParameterValueStrings(int32_t tableIndex, BR::CountedTextList** out) {
-    BR::CountedTextList* list = NamedList(tableIndex);
-    if (!list || !out) return BR::kErrInvalidParameter;
-    list->Retain();
-    *out = list;
-    return BR::kNoErr;
+    return BR::HandOutValueStrings(NamedList(tableIndex), out);
 }
 
 uint32_t BrelCorvane::GetParameterFlags(int32_t tableIndex) {

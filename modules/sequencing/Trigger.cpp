@@ -57,12 +57,6 @@ constexpr int32_t kControllerSustain = 64;
 constexpr int32_t kControllerAllSoundOff = 120;
 constexpr int32_t kControllerAllNotesOff = 123;
 
-int32_t HandOut(BR::CountedTextList* list, BR::CountedTextList** out) {
-    list->Retain();
-    *out = list;
-    return BR::kNoErr;
-}
-
 }  // namespace
 
 BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
@@ -235,10 +229,10 @@ int32_t BrelCorvane::GetParameterValueStrings(int32_t tableIndex, BR::CountedTex
     static BR::CountedTextList* multipliers = new BR::CountedTextList({"0.1", "1", "10", "100"});
     static BR::CountedTextList* types = new BR::CountedTextList({"Parabolic", "Exponential"});
     if (!out) return BR::kErrInvalidParameter;
-    if (tableIndex == kOutputMode) return HandOut(modes, out);
-    if (tableIndex == kEnvMultiplier) return HandOut(multipliers, out);
+    if (tableIndex == kOutputMode) return BR::HandOutValueStrings(modes, out);
+    if (tableIndex == kEnvMultiplier) return BR::HandOutValueStrings(multipliers, out);
     if (tableIndex >= kEnvTypeA1 && tableIndex < kEnvTypeA1 + int32_t(BR::kNumEnvSegments))
-        return HandOut(types, out);
+        return BR::HandOutValueStrings(types, out);
     return BR::kErrInvalidParameter;
 }
 

@@ -219,13 +219,6 @@ BR::CountedTextList* ValueNames(int32_t tableIndex) {
     return nullptr;
 }
 
-template <class T>
-int32_t Put(void* data, T value) {
-    if (!data) return BR::kErrInvalidProperty;
-    std::memcpy(data, &value, sizeof value);
-    return BR::kNoErr;
-}
-
 }  // namespace
 
 float MarkerSample(int32_t batch) {
@@ -481,21 +474,21 @@ int32_t BrelCorvane::GetProperty(uint32_t id, void* data) {
             return BR::kNoErr;
         }
         case BR::kPropertyCalibrationTable:
-            return Put(data, static_cast<BR::CalibrationPoint*>(calibration.notes));
+            return BR::PutProperty(data, static_cast<BR::CalibrationPoint*>(calibration.notes));
         case BR::kPropertyCalibrationValid:
-            return Put(data, static_cast<uint8_t*>(calibration.valid));
+            return BR::PutProperty(data, static_cast<uint8_t*>(calibration.valid));
         case BR::kPropertyCalibrationCount:
-            return Put(data, int32_t(BR::kCalibrationEntries));
+            return BR::PutProperty(data, int32_t(BR::kCalibrationEntries));
         case kPropertyPolyPlace: {
             // Read from the parameters, so that a master finds its voices before they first render.
-            if (mode == kModeMaster) return Put(data, int32_t(-1));
-            if (int32_t(GetTableValue(kPolyMode)) != kPolyVoice) return Put(data, int32_t(0));
-            return Put(data, std::clamp(int32_t(GetTableValue(kPolyphonyVoice)), 1, kMaxVoices));
+            if (mode == kModeMaster) return BR::PutProperty(data, int32_t(-1));
+            if (int32_t(GetTableValue(kPolyMode)) != kPolyVoice) return BR::PutProperty(data, int32_t(0));
+            return BR::PutProperty(data, std::clamp(int32_t(GetTableValue(kPolyphonyVoice)), 1, kMaxVoices));
         }
         case BR::kPropertyCalibrationTime:
-            return Put(data, int64_t(calibrationTime));
+            return BR::PutProperty(data, int64_t(calibrationTime));
         case BR::kPropertyCalibrationName:
-            return Put(data, calibrationName.c_str());
+            return BR::PutProperty(data, calibrationName.c_str());
         default:
             return BrelCorvaneBase::GetProperty(id, data);
     }

@@ -105,10 +105,7 @@ int32_t BrelCorvane::GetParameterValueStrings(int32_t tableIndex, BR::CountedTex
     static BR::CountedTextList* curves =
         new BR::CountedTextList({"Linear", "Logarithm", "Exponential", "Absolute"});
     if (tableIndex != kFunctionL && tableIndex != kFunctionR) return BR::kErrInvalidParameter;
-    if (!out) return BR::kErrInvalidParameter;
-    curves->Retain();
-    *out = curves;
-    return BR::kNoErr;
+    return BR::HandOutValueStrings(curves, out);
 }
 
 uint32_t BrelCorvane::GetParameterFlags(int32_t tableIndex) {

@@ -347,11 +347,7 @@ void BrelCorvane::HandleNoteOn(int32_t, int32_t, int32_t) {
 }
 
 int32_t BrelCorvane::GetParameterValueStrings(int32_t tableIndex, BR::CountedTextList** out) {
-    BR::CountedTextList* list = NamedList(tableIndex);
-    if (!list || !out) return BR::kErrInvalidParameter;
-    list->Retain();
-    *out = list;
-    return BR::kNoErr;
+    return BR::HandOutValueStrings(NamedList(tableIndex), out);
 }
 
 uint32_t BrelCorvane::GetParameterFlags(int32_t tableIndex) {
