@@ -12,9 +12,10 @@
 namespace BR {
 
 namespace {
+// Some hosts hand out features without a URI (lv2file); they are passed over.
 const void* FindFeature(const LV2_Feature* const* features, const char* uri) {
     for (const LV2_Feature* const* f = features; f && *f; ++f)
-        if (std::strcmp((*f)->URI, uri) == 0) return (*f)->data;
+        if ((*f)->URI && std::strcmp((*f)->URI, uri) == 0) return (*f)->data;
     return nullptr;
 }
 }  // namespace
