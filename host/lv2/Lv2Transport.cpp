@@ -10,6 +10,9 @@ namespace BR {
 
 namespace {
 
+// Quarter notes of host rounding: four ticks of 1/1920 beat.
+constexpr double kHostRounding = 4.0 / 1920.0;
+
 bool ReadNumber(const LV2_Atom* atom, const Lv2Urids& urids, double& out) {
     if (!atom) return false;
     if (atom->type == urids.atomFloat && atom->size >= sizeof(float)) {
@@ -71,6 +74,7 @@ Lv2Transport::Lv2Transport(double sampleRate) {
 
 bool Lv2Transport::Apply(const Lv2Position& position) {
     const bool wasKnown = known, wasPlaying = transport.playing;
+    const double previousTempo = transport.tempo;
     // Where the transport stands now if nothing jumped: the driver advanced it to this point.
     const double expectedQuarter = transport.blockQuarter;
     const int64_t expectedFrame = transport.blockSampleLocation;
@@ -98,12 +102,18 @@ bool Lv2Transport::Apply(const Lv2Position& position) {
         quarter =
             startQuarter + double(position.frame - from) * transport.tempo / 60.0 / transport.sampleRate;
     }
+    // Hosts that send a position every block round it (to ticks of 1/1920 beat, to single precision):
+    // where time ran on without a jump and the tempo stayed, a small difference is that rounding, and
+    // the driver's own position, exact to the sample, stands.
+    const bool continuous = wasKnown && position.hasFrame && position.frame == expectedFrame &&
+                            transport.playing == wasPlaying && transport.tempo == previousTempo;
+    if (continuous && std::fabs(quarter - expectedQuarter) <= kHostRounding) quarter = expectedQuarter;
     if (position.hasFrame) transport.blockSampleLocation = position.frame;
     transport.blockQuarter = quarter;
     known = true;
 
     transport.looping = false;
-    // Hosts send positions in single precision: anything within a frame and a half is no jump.
+    // Single precision alone: anything within a frame and a half is no jump either.
     const double tolerance = std::max(1e-6, 1.5 * transport.tempo / 60.0 / transport.sampleRate);
     const double jump = expectedQuarter - quarter;
     if (wasKnown && wasPlaying && transport.playing && jump > tolerance) {

@@ -2,6 +2,8 @@
 // whose length is the jump; a stop, a forward jump or a repeated position shows none.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "tests/host/lv2/probe/HostProbe.h"
 #include "tests/host/lv2/support/Lv2TestHost.h"
 
@@ -55,4 +57,28 @@ TEST(Lv2Loop, NoWrapForStopsForwardJumpsOrRepeats) {
     host.Run(240);
     EXPECT_FALSE(probe.lastLooping);
     EXPECT_NEAR(probe.lastBeat, 0.0, 1e-12);
+}
+
+TEST(Lv2Loop, TickRoundedPositionsEveryBlockAreNoWrap) {
+    // As a host that sends bar and beat each block, rounded to ticks of 1/1920 beat.
+    BR::Test::HostOptions options;
+    options.maxBlockLength = 2048;
+    BR::Test::Lv2TestHost host(BR::Test::ProbeLibrary(), BR::Test::kProbeUri, options);
+    auto& probe = dynamic_cast<BrelCorvaneHostProbe::BrelCorvane&>(host.Module());
+    const double step = 90.0 / 60.0 / 48000.0;
+    for (int64_t block = 0; block < 40; ++block) {
+        const int64_t frame = block * 2048;
+        const double beats = std::round(double(frame) * step * 1920.0) / 1920.0;
+        host.AddPosition(0, {.frame = frame,
+                             .bar = int64_t(beats / 4),
+                             .speed = 1.0f,
+                             .bpm = 90.0f,
+                             .barBeat = float(beats - 4.0 * std::floor(beats / 4)),
+                             .beatsPerBar = 4.0f,
+                             .beatUnit = 4});
+        host.Run(2048);
+        ASSERT_FALSE(probe.lastLooping) << "block " << block;
+        // The beat phase runs on exactly from the first position, not from the rounded ones.
+        ASSERT_NEAR(probe.lastBeat, double(frame) * step, 1e-9) << "block " << block;
+    }
 }
