@@ -3,6 +3,8 @@
 
 #include <sndfile.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <stdexcept>
 
@@ -39,19 +41,39 @@ void WriteAudio(const std::string& path, const Audio& audio) {
     sf_close(file);
 }
 
+// signal FILE CHANNELS FRAMES: a float WAV at 48 kHz with a different sine in each channel
+// (channel c: 0.5 * sin at 100 * c Hz, plus 0.1 * c), to feed modules whose output depends on input.
+int Signal(const std::vector<std::string>& args) {
+    if (args.size() != 3) throw std::runtime_error("usage: signal FILE CHANNELS FRAMES");
+    const size_t channels = std::stoul(args[1]), frames = std::stoul(args[2]);
+    Audio audio;
+    audio.sampleRate = 48000;
+    audio.channels.assign(std::max<size_t>(channels, 1), std::vector<float>(frames));
+    for (size_t c = 0; c < audio.channels.size(); ++c)
+        for (size_t i = 0; i < frames; ++i)
+            audio.channels[c][i] =
+                float(0.5 * std::sin(2.0 * M_PI * 100.0 * double(c + 1) * double(i) / 48000.0) +
+                      0.1 * double(c + 1));
+    WriteAudio(args[0], audio);
+    return 0;
+}
+
 }  // namespace BR::HostTool
 
 int main(int argc, char** argv) {
     using namespace BR::HostTool;
     if (argc < 2) {
-        std::fprintf(
-            stderr, "usage: corvane_host_tool capture|compare|expect-constant|expect-gate|expect-ramp ...\n");
+        std::fprintf(stderr,
+                     "usage: corvane_host_tool "
+                     "capture|transport|signal|compare|expect-constant|expect-gate|expect-ramp ...\n");
         return 2;
     }
     const std::string command = argv[1];
     const std::vector<std::string> args(argv + 2, argv + argc);
     try {
         if (command == "capture") return Capture(args);
+        if (command == "signal") return Signal(args);
+        if (command == "transport") return Transport(args);
         if (command == "compare") return Compare(args);
         if (command == "expect-constant") return ExpectConstant(args);
         if (command == "expect-gate") return ExpectGate(args);

@@ -19,6 +19,8 @@ void WriteAudio(const std::string& path, const Audio& audio);
 
 // Subcommands; each returns the process's exit status and prints what it found.
 int Capture(const std::vector<std::string>& args);
+int Signal(const std::vector<std::string>& args);
+int Transport(const std::vector<std::string>& args);
 int Compare(const std::vector<std::string>& args);
 int ExpectConstant(const std::vector<std::string>& args);
 int ExpectGate(const std::vector<std::string>& args);

@@ -115,7 +115,8 @@ int ExpectConstant(const std::vector<std::string>& args) {
     if (a.positional.size() != 3) throw std::runtime_error("usage: expect-constant FILE CHANNEL VALUE");
     const Audio audio = ReadAudio(a.positional[0]);
     const std::vector<float>& x = Channel(audio, a.positional[0], a.positional[1]);
-    const double value = std::stod(a.positional[2]), tolerance = a.Number("--tolerance", 0.0);
+    // The value as a sample holds it: "0.3" is the float nearest 0.3.
+    const double value = double(std::stof(a.positional[2])), tolerance = a.Number("--tolerance", 0.0);
     const size_t from = size_t(a.Number("--from", 0)), to = size_t(a.Number("--to", double(x.size())));
     if (to > x.size() || from >= to)
         return Fail("frames %g to %g are not in the file", a.positional[0], double(from), double(to));
