@@ -46,4 +46,14 @@ while IFS=$'\t' read -r stem inputs outputs; do
     [ "$controls" = $((rows + 1)) ] || fail "$stem: $controls control ports for $rows rows and Enabled"
     echo "$stem: $ins audio in, $outs audio out, $controls controls"
 done < <(built_modules)
+step "scripts/install-lv2.sh puts the bundle where hosts find it"
+bash "$ROOT/scripts/install-lv2.sh" --build "$BUILD" --dest "$WORK/installed/lv2"
+bash "$ROOT/scripts/install-lv2.sh" --build "$BUILD" --dest "$WORK/installed/lv2" > /dev/null  # again, over it
+installed=$(LV2_PATH="$WORK/installed/lv2" lv2ls | sort)
+[ "$installed" = "$expected" ] || fail "after install lv2ls lists [$installed], expected [$expected]"
+cmp "$BUNDLE/corvane.so" "$WORK/installed/lv2/corvane.lv2/corvane.so" || fail "installed corvane.so differs"
+if bash "$ROOT/scripts/install-lv2.sh" --build "$WORK/nowhere" --dest "$WORK/installed/lv2" 2> "$WORK/install.err"; then
+    fail "install-lv2.sh succeeded without a build"
+fi
+grep -q "is not built" "$WORK/install.err" || fail "install-lv2.sh without a build says: $(cat "$WORK/install.err")"
 echo "validate: all checks passed"

@@ -63,9 +63,10 @@ int Signal(const std::vector<std::string>& args) {
 int main(int argc, char** argv) {
     using namespace BR::HostTool;
     if (argc < 2) {
-        std::fprintf(stderr,
-                     "usage: corvane_host_tool "
-                     "capture|transport|signal|compare|expect-constant|expect-gate|expect-ramp ...\n");
+        std::fprintf(
+            stderr,
+            "usage: corvane_host_tool "
+            "capture|transport|elck-set|signal|compare|expect-constant|expect-gate|expect-ramp ...\n");
         return 2;
     }
     const std::string command = argv[1];
@@ -74,6 +75,7 @@ int main(int argc, char** argv) {
         if (command == "capture") return Capture(args);
         if (command == "signal") return Signal(args);
         if (command == "transport") return Transport(args);
+        if (command == "elck-set") return ElckSet(args);
         if (command == "compare") return Compare(args);
         if (command == "expect-constant") return ExpectConstant(args);
         if (command == "expect-gate") return ExpectGate(args);

@@ -21,6 +21,7 @@ void WriteAudio(const std::string& path, const Audio& audio);
 int Capture(const std::vector<std::string>& args);
 int Signal(const std::vector<std::string>& args);
 int Transport(const std::vector<std::string>& args);
+int ElckSet(const std::vector<std::string>& args);
 int Compare(const std::vector<std::string>& args);
 int ExpectConstant(const std::vector<std::string>& args);
 int ExpectGate(const std::vector<std::string>& args);
