@@ -89,6 +89,7 @@ private:
 
     struct Event {
         uint32_t frame;
+        uint32_t order;
         LV2_URID type;
         std::vector<uint8_t> body;
     };
