@@ -27,6 +27,12 @@ wait_port() {
     done
     fail "JACK port $1 did not appear"
 }
+# jalv registers its ports before it starts processing: wait for the ports, then give it a second.
+settle() {  # PORT...
+    local port
+    for port in "$@"; do wait_port "$port"; done
+    sleep 1
+}
 outputs_of() {  # NAME COUNT: NAME:out_1 ... NAME:out_COUNT
     local k
     for ((k = 1; k <= $2; k++)); do printf '%s:out_%d ' "$1" "$k"; done
@@ -54,6 +60,7 @@ start_jalv dcset urn:brelmont:corvane:dc "${DC_SETTINGS[@]}"
 start_jalv probe "$PROBE_URI" -c level=0.5
 # A loop of 4801 frames: note 60 on at frame 0 for 1234 frames.
 background jack_midiseq seq 4801 0 60 1234 > "$WORK/midiseq.log" 2>&1
+settle $(built_modules | cut -f1 | sed 's/$/:out_1/') dcset:out_1 probe:out_1 seq:out
 
 while IFS=$'\t' read -r stem inputs outputs; do
     step "$stem: recorded output against corvane render (defaults)"
@@ -70,8 +77,6 @@ render dc --seconds 1 --stopped --tempo 90 "${DC_RENDER[@]}" --out "$WORK/dcset-
 "$TOOL" compare "$WORK/dcset.wav" "$WORK/dcset-ref.wav" || fail "dc with settings differs"
 
 step "MIDI from jack_midiseq lands on its samples"
-wait_port seq:out
-wait_port probe:midi_in
 jack_connect seq:out probe:midi_in
 sleep 0.2
 capture "$WORK/midi.wav" 48000 probe:out_1 probe:out_2 probe:out_3 probe:out_4
@@ -103,6 +108,7 @@ step "JACK dummy backend, period 2048"
 start_jack 2048
 start_jalv probe "$PROBE_URI"
 start_jalv dcset urn:brelmont:corvane:dc "${DC_SETTINGS[@]}"
+settle probe:out_5 dcset:out_1
 capture "$WORK/long.wav" 16384 probe:out_5
 # jalv passes the period as bufsz:maxBlockLength: the module runs whole blocks of 2048.
 "$TOOL" expect-constant "$WORK/long.wav" 1 0.25 || fail "the module did not get blocks of 2048"
