@@ -189,6 +189,10 @@ void Lv2Instance::Run(uint32_t frames) {
         }
         start = end;
     }
+    // A block of no frames still moves the transport to where the host says.
+    while (nextPosition < numPositions)
+        if (transport.Apply(positions[nextPosition++].position)) transport.EndWrapBlock();
+    if (transport.Known() && !driver->Transport()) driver->SetTransport(&transport.Driver());
 }
 
 void Lv2Instance::RenderSpan(uint32_t from, uint32_t to) {

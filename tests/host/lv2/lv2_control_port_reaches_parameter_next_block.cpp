@@ -2,7 +2,13 @@
 // the host is one more source, and the last writer wins.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/host/lv2/probe/HostProbe.h"
 #include "tests/host/lv2/support/Lv2TestHost.h"
+#include "tests/support/RunCommand.h"
 
 TEST(Lv2Controls, ChangedPortReachesTheParameterAtTheNextBlock) {
     BR::Test::Lv2TestHost host(BR::Test::CorvaneLibrary(), "urn:brelmont:corvane:dc");
@@ -57,4 +63,33 @@ TEST(Lv2Controls, LongRowNamesReachTheirCutIdentifier) {
     host.Control("a_parameter_whose_name_runs_past_thirty_one_characters") = 0.75f;
     host.Run(16);
     EXPECT_EQ(host.Module().GetTableValue(17), 0.75f);
+}
+
+TEST(Lv2Controls, InterfaceCategoryKeepsThePreferenceWhileThePortStaysAtItsDefault) {
+    const std::string folder = BR::Test::MakeTempFolder();
+    std::filesystem::create_directories(folder + "/Brelmont");
+    std::ofstream(folder + "/Brelmont/com.brelmont.Corvane2.conf") << "Default interface category=1\n";
+    const char* old = std::getenv("XDG_CONFIG_HOME");
+    const std::string saved = old ? old : "";
+    setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
+    float value = -1, afterMove = -1;
+    {
+        BR::Test::Lv2TestHost host(BR::Test::ProbeLibrary(), BR::Test::kProbeUri);
+        EXPECT_EQ(host.Control("interface_category"), 0.0f);  // the described default
+        host.Run(16);
+        value = host.Module().GetTableValue(BrelCorvaneHostProbe::kInterfaceCategory);
+        host.Control("interface_category") = 1.0f;
+        host.Run(16);
+        host.Control("interface_category") = 0.0f;
+        host.Run(16);
+        afterMove = host.Module().GetTableValue(BrelCorvaneHostProbe::kInterfaceCategory);
+    }
+    if (old) {
+        setenv("XDG_CONFIG_HOME", saved.c_str(), 1);
+    } else {
+        unsetenv("XDG_CONFIG_HOME");
+    }
+    std::unique_ptr<BrelCorvaneBase>(BrelCorvaneHostProbe::Create());  // the shared table as it was
+    EXPECT_EQ(value, 1.0f);      // the new instance's default, from the preference
+    EXPECT_EQ(afterMove, 0.0f);  // once the host moves the port, the port is the last writer
 }

@@ -73,3 +73,13 @@ TEST(Lv2Time, StoppedTransportHoldsItsPosition) {
     EXPECT_NEAR(host.outputs[1][255], 0.25, 1e-6);
     EXPECT_EQ(host.Instance().Transport().Driver().blockSampleLocation, 24000);
 }
+
+TEST(Lv2Time, PositionInABlockOfNoFramesIsKept) {
+    BR::Test::Lv2TestHost host(BR::Test::ProbeLibrary(), BR::Test::kProbeUri);
+    host.AddPosition(0, {.frame = 4800, .speed = 1.0f, .bpm = 150.0f, .beat = 2.25});
+    host.Run(0);
+    host.Run(16);
+    EXPECT_EQ(host.outputs[3][0], 1.0f);
+    EXPECT_FLOAT_EQ(host.outputs[2][0], 0.15f);
+    EXPECT_NEAR(host.outputs[1][0], 0.25, 1e-9);
+}
