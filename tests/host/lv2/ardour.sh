@@ -14,10 +14,10 @@ export CT_OUT=$WORK/out CT_BLOCK=2048 CT_FRAMES=96000 CT_TEMPO=90
 
 # Runs session.lua in CT_MODE $1 after running $2 (to set the scene anew). ardour7-lua 7.3 aborts in
 # some runs that export (a race in its export thread, not in the plug-in: it happens with an empty
-# session too), so a run that ends without "done" is tried again, up to five times.
+# session too), so a run that ends without "done" is tried again, up to eight times.
 ardour() {
     local mode=$1 prepare=${2:-true} attempt
-    for attempt in 1 2 3 4 5; do
+    for attempt in 1 2 3 4 5 6 7 8; do
         eval "$prepare"
         if CT_MODE=$mode ardour7-lua "$SESSION_LUA" > "$WORK/ardour-$mode.log" 2>&1 && grep -q '^done' "$WORK/ardour-$mode.log"; then
             grep -E '^(bpm|controls|export|saved|block|master)' "$WORK/ardour-$mode.log" | sed "s/^/  [$mode] /"
@@ -26,7 +26,7 @@ ardour() {
         fi
         echo "  [$mode] ardour7-lua ended early (attempt $attempt): $(tail -1 "$WORK/ardour-$mode.log")"
     done
-    fail "ardour7-lua $mode failed five times; log: $WORK/ardour-$mode.log"
+    fail "ardour7-lua $mode failed eight times; log: $WORK/ardour-$mode.log"
 }
 controls() { sed -n 's/^controls //p' "$WORK/ardour-$1.log"; }
 # The base64 text of one chunk in a saved state.ttl.
