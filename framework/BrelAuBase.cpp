@@ -87,11 +87,29 @@ int32_t BrelAuBase::SetParameterValue(int32_t parameterIndex, float value) {
     return BR::kNoErr;
 }
 
-void BrelAuBase::ApplyParameterValue(BR::Parameter* parameter, int32_t parameterIndex, float value) {
+int32_t BrelAuBase::StoreParameterValue(int32_t parameterIndex, float value) {
+    BR::Parameter* parameter = GetParameter(parameterIndex);
+    if (!parameter) return BR::kErrUnknownParameter;
+    StoreValue(parameter, value);
+    return BR::kNoErr;
+}
+
+void BrelAuBase::NotifyParameterValue(int32_t parameterIndex) {
+    BR::Parameter* parameter = GetParameter(parameterIndex);
+    // Master Bypass (index 0) never reaches the OSC helper or the notification receivers.
+    if (!parameter || parameterIndex <= 0) return;
+    ParameterValueChanged(parameterIndex, parameter->GetValueAsFloat());
+}
+
+void BrelAuBase::StoreValue(BR::Parameter* parameter, float value) {
     parameter->SetValue(value);
     parameter->MarkDirty();
     if (automation) automation->PostDirtyParameter(parameter->Identifier());
     ++numChanges;
+}
+
+void BrelAuBase::ApplyParameterValue(BR::Parameter* parameter, int32_t parameterIndex, float value) {
+    StoreValue(parameter, value);
     // Master Bypass (index 0) never reaches the OSC helper or the notification receivers.
     if (parameterIndex <= 0) return;
     ParameterValueChanged(parameterIndex, parameter->GetValueAsFloat());

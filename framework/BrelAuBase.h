@@ -52,6 +52,11 @@ public:
     virtual int32_t UpdateParameterNormalizedValue(const std::string& identifier, double normalized);
     // The float setter: the same route with a value in the row's units, kept exact (no taper round trip).
     int32_t SetParameterValue(int32_t parameterIndex, float value);
+    // SetParameterValue in two halves, for a host that takes values on its audio thread: Store sets the
+    // object (atomic, no lock, no allocation); Notify later runs the notifications of the value the
+    // object holds then (OSC echo, registry receivers under the registry lock) on another thread.
+    int32_t StoreParameterValue(int32_t parameterIndex, float value);
+    void NotifyParameterValue(int32_t parameterIndex);
 
     virtual int32_t EffectInit();
     virtual void RenderAudio(BR::RenderRecord* record);
@@ -97,5 +102,6 @@ protected:
 
 private:
     void ApplyParameterValue(BR::Parameter* parameter, int32_t parameterIndex, float value);
+    void StoreValue(BR::Parameter* parameter, float value);
     void AddParameterObject(std::unique_ptr<BR::Parameter> parameter);
 };

@@ -5,6 +5,8 @@ cd "$(dirname "$0")/.."
 bash scripts/setup.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build build --target corvane
+cmake --build build --target corvane_lv2_bundle
+bash scripts/install-lv2.sh --build build
 mkdir -p out
 ./build/host/corvane render dc --set "Output Positive L=0.5" --set "Smoothing L=500" --seconds 1 --out out/dc-demo.wav
 echo "DC demo written to $(pwd)/out/dc-demo.wav (48 kHz, 32-bit float, 2 channels)"

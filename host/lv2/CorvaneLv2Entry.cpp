@@ -1,0 +1,7 @@
+// The one symbol corvane.so exports: a descriptor for every module the build carries.
+#include "host/lv2/Lv2Library.h"
+
+extern "C" LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor(uint32_t index) {
+    static const BR::Lv2Library library(BR::CorvaneBundleInfo());
+    return library.Descriptor(index);
+}

@@ -1,0 +1,92 @@
+// One running LV2 plug-in: a module behind the shared host driver, fed by the host's ports, atom
+// sequence, options, worker and state calls.
+#pragma once
+
+#include <lv2/core/lv2.h>
+#include <lv2/state/state.h>
+#include <lv2/worker/worker.h>
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+#include "host/HostDriver.h"
+#include "host/lv2/Lv2Bundle.h"
+#include "host/lv2/Lv2Transport.h"
+#include "host/lv2/Lv2Urids.h"
+
+namespace BR {
+
+class Lv2Instance {
+public:
+    // Most MIDI events and positions taken from one host block; later ones are dropped.
+    static constexpr uint32_t kMaxEvents = 1024;
+    static constexpr uint32_t kMaxPositions = 32;
+    // Block length the module is given when the host names no bufsz:maxBlockLength, and the most it
+    // is ever given: longer host blocks are cut.
+    static constexpr uint32_t kDefaultMaxBlock = kDefaultMaxBlockSize;
+    static constexpr uint32_t kLargestMaxBlock = 8192;
+
+    // Null, with a message on standard error, when the host lacks urid:map or the module cannot be made.
+    static std::unique_ptr<Lv2Instance> Create(const Lv2BundleInfo& bundle, const Lv2ModuleSource& source,
+                                               double sampleRate, const LV2_Feature* const* features);
+    ~Lv2Instance();
+
+    void ConnectPort(uint32_t port, void* data);
+    void Activate() {}
+    void Run(uint32_t frames);
+
+    LV2_State_Status Save(LV2_State_Store_Function store, LV2_State_Handle handle);
+    LV2_State_Status Restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle);
+    // Worker thread: runs the notifications of parameters the audio thread stored.
+    LV2_Worker_Status Work();
+
+    HostDriver& Driver() { return *driver; }
+    const Lv2PortLayout& Layout() const { return layout; }
+    uint32_t MaxBlock() const { return maxBlock; }
+    Lv2Transport& Transport() { return transport; }
+
+private:
+    Lv2Instance(const Lv2BundleInfo& bundle, const Lv2ModuleSource& source, double sampleRate);
+
+    void ReadControls();
+    void CollectEvents(uint32_t frames);
+    // Renders frames [from, to) of the host block, cut where inputs share buffers with outputs.
+    void RenderSpan(uint32_t from, uint32_t to);
+
+    struct TimedPosition {
+        uint32_t frame;
+        Lv2Position position;
+    };
+
+    const Lv2BundleInfo& bundle;
+    const Lv2ModuleSource& source;
+    Lv2Urids urids{};
+    std::unique_ptr<HostDriver> driver;
+    Lv2PortLayout layout;
+    Lv2Transport transport;
+    uint32_t maxBlock = kDefaultMaxBlock;
+    const LV2_Worker_Schedule* schedule = nullptr;
+
+    std::vector<const float*> controlPorts;
+    std::vector<float> lastSeen;            // value each control port had at the last block
+    std::vector<int32_t> controlParameter;  // parameter index of each control port
+    std::vector<const float*> audioIn;
+    std::vector<float*> audioOut;
+    const LV2_Atom_Sequence* midiIn = nullptr;
+
+    std::vector<TimedMidi> events;  // this block's MIDI, frames from the block's start
+    uint32_t numEvents = 0;
+    std::vector<TimedMidi> spanEvents;
+    std::vector<TimedPosition> positions;
+    uint32_t numPositions = 0;
+    std::vector<std::vector<float>> inputCopies;  // inputs of a host that renders in place
+
+    std::unique_ptr<std::atomic<uint8_t>[]> notifyPending;  // per parameter index
+    std::atomic<bool> workScheduled{false};
+    // Set by Restore: the next block takes the control ports' values as seen without applying them,
+    // so the restored chunk, which holds every parameter, stands.
+    std::atomic<bool> resyncControls{false};
+};
+
+}  // namespace BR

@@ -1,0 +1,77 @@
+# Shared by the LV2 host test scripts: paths into a build tree, a private LV2 path holding only the
+# bundles under test (and the system's, for the reference plug-ins), a private JACK server name and
+# config folder, background processes that are always stopped, and loud failures.
+# Usage: source this with the build folder as $1 (default: build).
+set -euo pipefail
+
+HERE=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+ROOT=$(cd "$HERE/../../.." && pwd)
+BUILD=$(cd "${1:-$ROOT/build}" && pwd)
+SCRIPT=$(basename "$0" .sh)
+CORVANE=$BUILD/host/corvane
+TOOL=$BUILD/tests/host/lv2/corvane_host_tool
+BUNDLE=$BUILD/host/lv2/corvane.lv2
+PROBE_BUNDLE=$BUILD/tests/host/lv2/bundles/corvane-probe.lv2
+PROBE_URI=urn:brelmont:corvane-test:hostprobe
+
+fail() {
+    echo "FAIL [$SCRIPT]: $*" >&2
+    exit 1
+}
+step() { echo "== [$SCRIPT] $*"; }
+
+for f in "$CORVANE" "$TOOL" "$BUNDLE/corvane.so" "$BUNDLE/manifest.ttl" "$PROBE_BUNDLE/manifest.ttl"; do
+    [ -e "$f" ] || fail "$f is missing: build first (cmake --build $BUILD)"
+done
+
+WORK=$(mktemp -d "${TMPDIR:-/tmp}/corvane-$SCRIPT-XXXXXX")
+mkdir -p "$WORK/lv2" "$WORK/config"
+ln -s "$BUNDLE" "$WORK/lv2/corvane.lv2"
+ln -s "$PROBE_BUNDLE" "$WORK/lv2/corvane-probe.lv2"
+export LV2_PATH="$WORK/lv2:/usr/lib/lv2"
+# No user preference or host configuration of this machine reaches the tests.
+export XDG_CONFIG_HOME="$WORK/config"
+export JACK_DEFAULT_SERVER="corvane-$SCRIPT-$$"
+export JACK_NO_AUDIO_RESERVATION=1
+
+BACKGROUND=()
+# Runs a command in the background and remembers it for stop_all.
+background() {
+    "$@" &
+    BACKGROUND+=($!)
+}
+# Stops every background process, newest first, and waits for each; one that has not ended 5 s
+# after SIGTERM gets SIGKILL.
+stop_all() {
+    local i pid
+    for ((i = ${#BACKGROUND[@]} - 1; i >= 0; i--)); do
+        pid=${BACKGROUND[i]}
+        kill "$pid" 2> /dev/null || true
+        for _ in $(seq 100); do kill -0 "$pid" 2> /dev/null || break; sleep 0.05; done
+        kill -0 "$pid" 2> /dev/null && { echo "[$SCRIPT] process $pid ignored SIGTERM; killed" >&2; kill -9 "$pid" 2> /dev/null || true; }
+        wait "$pid" 2> /dev/null || true
+    done
+    BACKGROUND=()
+}
+on_exit() {
+    local status=$?
+    stop_all
+    if [ $status -ne 0 ] || [ -n "${KEEP_WORK:-}" ]; then
+        echo "[$SCRIPT] work folder kept: $WORK" >&2
+    else
+        rm -rf "$WORK"
+    fi
+    exit $status
+}
+trap on_exit EXIT
+
+# The modules the build carries: "stem<TAB>inputs<TAB>outputs" per line, from "corvane list".
+built_modules() { "$CORVANE" list | awk -F'\t' '{ print $2 "\t" $4 "\t" $5 }'; }
+
+# A float value as the module computes it, e.g. float32 0.3 * 1.5, is what corvane render gives:
+# tests compare against its files rather than against decimal numbers.
+
+# corvane render with its messages in a log; fails loudly.
+render() {
+    "$CORVANE" render "$@" > "$WORK/render.log" 2>&1 || { cat "$WORK/render.log" >&2; fail "corvane render $*"; }
+}

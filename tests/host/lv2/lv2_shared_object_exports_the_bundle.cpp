@@ -1,0 +1,66 @@
+// The built corvane.so exports lv2_descriptor alone and names every built module; the bundle's
+// Turtle in the build tree is what the tables give now (generated at build time, never by hand).
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <lv2/core/lv2.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/lv2/Lv2Bundle.h"
+
+namespace {
+
+std::string BundleFolder() {
+    // The corvane command is build/host/corvane; the bundle is build/host/lv2/corvane.lv2.
+    const char* binary = std::getenv("CORVANE_BINARY");
+    return binary ? (std::filesystem::path(binary).parent_path() / "lv2" / "corvane.lv2").string() : "";
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+}  // namespace
+
+TEST(Lv2SharedObject, ExportsOneDescriptorPerBuiltModule) {
+    const std::string folder = BundleFolder();
+    ASSERT_FALSE(folder.empty()) << "CORVANE_BINARY is not set";
+    void* library = dlopen((folder + "/corvane.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr) << dlerror();
+    using DescriptorFunction = const LV2_Descriptor* (*)(uint32_t);
+    auto descriptor = reinterpret_cast<DescriptorFunction>(dlsym(library, "lv2_descriptor"));
+    ASSERT_NE(descriptor, nullptr);
+    EXPECT_EQ(dlsym(library, "_ZN2BR16InstanceRegistry11AddInstanceEP15BrelCorvaneBase"), nullptr);
+
+    const BR::Lv2BundleInfo bundle = BR::CorvaneBundleInfo();
+    uint32_t count = 0;
+    while (const LV2_Descriptor* d = descriptor(count)) {
+        ASSERT_LT(count, bundle.modules.size());
+        EXPECT_EQ(std::string(d->URI), bundle.PluginUri(*bundle.modules[count].entry));
+        ++count;
+    }
+    EXPECT_EQ(count, bundle.modules.size());
+    dlclose(library);
+}
+
+TEST(Lv2SharedObject, BuiltTurtleIsWhatTheTablesGive) {
+    const std::string folder = BundleFolder();
+    const BR::Lv2BundleInfo bundle = BR::CorvaneBundleInfo();
+    EXPECT_EQ(ReadFile(folder + "/manifest.ttl"), BR::Lv2ManifestTurtle(bundle));
+    size_t files = 0;
+    for (const auto& file : std::filesystem::directory_iterator(folder))
+        files += file.path().extension() == ".ttl";
+    EXPECT_EQ(files, bundle.modules.size() + 1);
+    for (const BR::Lv2ModuleSource& source : bundle.modules) {
+        std::unique_ptr<BrelCorvaneBase> module(source.factory());
+        const std::string expected = BR::Lv2PluginTurtle(
+            bundle, *source.entry, BR::BuildLv2PortLayout(*source.entry, *module), module->GetModuleName());
+        EXPECT_EQ(ReadFile(folder + "/" + source.entry->stem + ".ttl"), expected) << source.entry->stem;
+    }
+}
