@@ -88,7 +88,9 @@ void BrelCorvaneBase::ParameterValueChanged(int32_t parameterIndex, float value)
 
 const char* BrelCorvaneBase::ShortName() {
     if (shortName.empty()) {
-        // "CR" and the module's own name without blanks: "Corvane DC" gives "CRDC".
+        // "CR" and the module's own name without blanks: "Corvane DC" gives "CRDC". The name is
+        // taken from behind the product name and its blank, not from a fixed character, so that
+        // short module names ("DC", "LFO") keep every letter.
         const char* moduleName = GetModuleName();
         const size_t prefix = std::strlen(GetProductName()) + 1;
         shortName = "CR";

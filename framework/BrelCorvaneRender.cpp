@@ -58,6 +58,8 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
     } else if (numSidechains != 0) {
         inputs[0] = hostInput(0);
         inputs[1] = pointerCount > 1 ? hostInput(1) : silence;
+        // A record has six sidechain fields; a module that declares more is served six, and its
+        // entries behind them read silence rather than whatever the stack held.
         for (int32_t i = 2; i < pointerCount; ++i)
             inputs[i] = silence;
         const int32_t served = std::min(numSidechains, BR::kMaxSidechains);

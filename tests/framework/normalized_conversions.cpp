@@ -12,6 +12,13 @@ TEST(NormalizedConversions, MinimumEqualToMaximumGivesTheMinimum) {
         EXPECT_EQ(BR::NormalizedToValue(scale, n), 0.0f);
     const BR::ParameterDefinition flat{"Flat", BR::kUnitGeneric, 3, 3, 3};
     EXPECT_EQ(BR::NormalizedToValue(flat, 0.7f), 3.0f);
+    // The logarithmic rule would divide 0 by 0 here; the flat row still gives its minimum.
+    const BR::ParameterDefinition rate{"Rate", BR::kUnitFrequency, 0, 0, 0};
+    for (float n : {0.0f, 0.5f, 1.0f})
+        EXPECT_EQ(BR::NormalizedToValue(rate, n), 0.0f);
+    // The way back gives a number too, never 0 / 0.
+    EXPECT_EQ(BR::ValueToNormalized(scale, 0.0f), 0.0f);
+    EXPECT_EQ(BR::ValueToNormalized(flat, 3.0f), 0.0f);
 }
 
 TEST(NormalizedConversions, FrequencyIsLogarithmic) {
