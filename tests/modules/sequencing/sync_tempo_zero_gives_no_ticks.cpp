@@ -2,6 +2,8 @@
 // with a playing transport at tempo 0 and with no transport at all.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "modules/sequencing/Sync.h"
 #include "tests/support/TransportRender.h"
 
@@ -32,4 +34,17 @@ TEST(SyncTempo, NoTransportCountsAsPlayingAtTempoZero) {
     driver->SetParameterByName("Clock Low", 0.25f);
     driver->SetParameterByName("Run Low", -0.5f);
     ExpectNoTicks(*driver, BR::Test::RenderFrames(*driver, 48000, 256));
+}
+
+TEST(SyncTempo, TempoThatIsNotANumberGivesNoTicks) {
+    for (double tempo :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), -120.0}) {
+        auto driver = BR::Test::MakeDriver("sync", 48000.0f);
+        driver->SetParameterByName("DINsync Type", 2.0f);
+        driver->SetParameterByName("Clock Low", 0.25f);
+        driver->SetParameterByName("Run Low", -0.5f);
+        BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 120.0, 0.0);
+        transport.tempo = tempo;
+        ExpectNoTicks(*driver, BR::Test::RenderWithTransport(*driver, transport, 4800, {256}));
+    }
 }
