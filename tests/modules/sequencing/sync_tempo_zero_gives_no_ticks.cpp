@@ -20,12 +20,15 @@ void ExpectNoTicks(BR::HostDriver& driver, const BR::Test::Channels& out) {
 }  // namespace
 
 TEST(SyncTempo, ZeroTempoGivesNoTicks) {
-    auto driver = BR::Test::MakeDriver("sync", 48000.0f);
-    driver->SetParameterByName("DINsync Type", 2.0f);
-    driver->SetParameterByName("Clock Low", 0.25f);
-    driver->SetParameterByName("Run Low", -0.5f);
-    BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 0.0, 0.0);
-    ExpectNoTicks(*driver, BR::Test::RenderWithTransport(*driver, transport, 48000, {256}));
+    // On a bar line and in the middle of a bar, where a tick of the count would be overdue.
+    for (double quarter : {0.0, 1.5}) {
+        auto driver = BR::Test::MakeDriver("sync", 48000.0f);
+        driver->SetParameterByName("DINsync Type", 2.0f);
+        driver->SetParameterByName("Clock Low", 0.25f);
+        driver->SetParameterByName("Run Low", -0.5f);
+        BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 0.0, quarter);
+        ExpectNoTicks(*driver, BR::Test::RenderWithTransport(*driver, transport, 48000, {256}));
+    }
 }
 
 TEST(SyncTempo, NoTransportCountsAsPlayingAtTempoZero) {
