@@ -321,6 +321,8 @@ void BrelCorvane::StartPulse(int64_t elapsed) {
                 skipped = true;
             }
         }
+        // A tick that carries a run pulse keeps its clock pulse unless "Skip First Clock" is on: then
+        // the device takes the run pulse for that clock, and the tick is only counted.
         if (!skipped && elapsed < 2) {
             clockPhase = kPhaseHigh;
             phaseSamples = std::max(1, clockPeriod / 2);
@@ -394,7 +396,8 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
     int64_t offset = kNever;
     TickClock clock{*this, s.tickRate, 0.0, 0.0};
     if (ticking) {
-        // Slices after the first of a block start further on than the block's position.
+        // The position is read once a block, but MIDI cuts a block into slices: a slice after the first
+        // starts later by the frames already rendered, or its ticks would land that much late.
         const double slicePosition = position + double(blockFramesDone) * tempo / (60.0 * rate);
         clock.now = s.offsetSeconds * tempo / (60.0 / clock.rate) + clock.rate * slicePosition;
         clock.perTick = rate * (60.0 / clock.rate) / tempo;
@@ -478,6 +481,7 @@ void BrelCorvane::RenderChunk(float* const* inputs, float* const* outputs, uint3
         const float a = add[c];
         if (tone && c == clockTarget) {
             // FSK: 2400 Hz while the clock is high, 1200 Hz while low, the phase running on across changes.
+            // The tone carries the clock only; a run line keeps its plain levels wherever it goes.
             const float step = (clockActive ? 2400.0f : 1200.0f) / sampleRate;
             const float half = (s.clockHigh - s.clockLow) * 0.5f, middle = (s.clockHigh + s.clockLow) * 0.5f;
             float phase = fskPhase;

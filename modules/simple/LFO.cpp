@@ -130,7 +130,8 @@ bool BrelCorvane::BeginBlock(uint32_t frames) {
         playing = transport->IsTransportPlaying();
         tempo = transport->GetCurrentTempo();
         beats = BR::CurrentBeatPosition(transport);
-        if (!std::isfinite(tempo)) tempo = 0.0;  // a tempo that is not a number derives no rate
+        // A tempo that is not a number, or below 0, derives no rate and no swing.
+        if (!(tempo > 0.0) || !std::isfinite(tempo)) tempo = 0.0;
     }
     double passRateHz = 0.0;  // "Quadrature" on R takes the rate of L from this pass; on L it has none
     for (int c = 0; c < 2; ++c)
@@ -144,7 +145,7 @@ void BrelCorvane::ReadChannel(int c, bool playing, double tempo, double beats, d
     const int32_t row = c == 0 ? kFirstRowL : kFirstRowR;
     auto value = [&](int32_t channelRow) { return GetTableValue(row + channelRow); };
 
-    // 1. Swing: a unit of half a beat ("16") or a beat ("8").
+    // Swing: a unit of half a beat ("16") or a beat ("8").
     const double unit = GetTableValue(kSwingTypeL + 2 * c) != 0.0f ? 1.0 : 0.5;
     const float swing = GetTableValue(kSwingL + 2 * c);
     if (std::fabs(swing - 50.0f) <= 0.1f || tempo == 0.0 || !playing) {
@@ -155,7 +156,7 @@ void BrelCorvane::ReadChannel(int c, bool playing, double tempo, double beats, d
         set.swingSamples = float(unit * 60.0 * double(sampleRate) / tempo);
     }
 
-    // 2. to 4. Rate, and the phase where it is set from outside.
+    // Rate, and the phase where it is set from outside.
     double phaseOffset = -1.0;
     const double phaseFraction = double(value(kPhase)) / 360.0;
     const int32_t sync = int32_t(value(kSync));
@@ -205,7 +206,7 @@ void BrelCorvane::ReadChannel(int c, bool playing, double tempo, double beats, d
     }
     passRateHz = rateHz;
 
-    // 5. and 6.
+    // Rate per sample, levels, shapes and smoothing.
     set.rateHz = rateHz;
     set.rate = rateHz / double(sampleRate);
     set.pulseWidth = value(kPulseWidth) * 0.01f;
@@ -248,17 +249,14 @@ void BrelCorvane::RenderChannel(int c, const float* x, float* y, uint32_t frames
     double t = set.swingPosition;
     uint32_t done = 0;
     while (done < frames) {
-        double g, n;
-        if (t < s) {
-            g = s;
-            n = std::floor((s - t) * perUnit + 1.0);
-            t += n / perUnit;
-        } else {
-            g = 1.0 - s;
-            n = std::floor((1.0 - t) * perUnit + 1.0);
-            t += n / perUnit;
-            if (t >= 1.0) t -= 1.0;
-        }
+        const bool first = t < s;
+        const double g = first ? s : 1.0 - s;
+        double n = std::floor(((first ? s : 1.0) - t) * perUnit + 1.0);
+        // At least a sample a segment: at absurd tempos a unit is far below a sample, and the rounding
+        // of t could otherwise give segments of no length, or of a negative one.
+        if (!(n >= 1.0)) n = 1.0;
+        t += n / perUnit;
+        if (!first && t >= 1.0) t -= 1.0;
         const uint32_t left = frames - done;
         const uint32_t run = n < double(left) ? uint32_t(n) : left;
         RenderWave(c, x + done, y + done, run, (0.5 / g) * set.rate);

@@ -84,3 +84,22 @@ TEST(SyncFirstClock, SkipFirstClockDropsClockAtRunPulses) {
     EXPECT_EQ(std::count(edges.begin(), edges.end(), 25000u), 1);
     EXPECT_EQ(BR::Test::RisingEdges(out[1]), (std::vector<uint32_t>{0, 24000, 48000}));
 }
+
+TEST(SyncFirstClock, RunPulseTicksKeepTheirClockWithoutSkip) {
+    // Without "Skip First Clock" a tick that carries a run pulse still makes its clock pulse: a tick
+    // every 1000 samples, none missing, and a run pulse on each quarter.
+    Rig rig;
+    rig.driver->SetParameterByName("Run Signal Type", 1.0f);  // Start
+    rig.driver->SetParameterByName("Run Beats", 1.0f);        // every quarter: 24 ticks
+    const BR::Test::Channels out = rig.Render(50000);
+    std::vector<uint32_t> expected;
+    for (uint32_t k = 0; k < 50; ++k)
+        expected.push_back(1000 * k);
+    EXPECT_EQ(BR::Test::RisingEdges(out[0]), expected);
+    for (uint32_t tick : {24000u, 48000u}) {
+        EXPECT_EQ(out[0][tick + 499], 1.0f) << tick;  // an ordinary half-period pulse
+        EXPECT_EQ(out[0][tick + 500], 0.0f) << tick;
+    }
+    EXPECT_EQ(BR::Test::RisingEdges(out[1]), (std::vector<uint32_t>{0, 24000, 48000}));
+    EXPECT_EQ(rig.Sync().LastTick(), 49);
+}

@@ -76,3 +76,24 @@ TEST(SyncFSK, ToneSitsBetweenTheClockLevels) {
     EXPECT_NEAR(high, 0.6f, 1e-3f);
     EXPECT_FLOAT_EQ(out[0][0], 0.4f);  // the middle, at phase 0
 }
+
+TEST(SyncFSK, ToneOnlyOnTheClockOutput) {
+    // The tone encodes the clock; the run line on another output keeps its plain levels.
+    auto driver = BR::Test::MakeDriver("sync", 48000.0f);
+    driver->SetParameterByName("DINsync Type", 1.0f);
+    driver->SetParameterByName("Enable FSK", 1.0f);
+    driver->SetParameterByName("Clock Output", 1.0f);
+    driver->SetParameterByName("Run Output", 2.0f);
+    driver->SetParameterByName("Clock Low", -1.0f);
+    driver->SetParameterByName("Run Low", -0.25f);
+    driver->SetParameterByName("Run High", 0.75f);
+    BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 120.0, 2.0);
+    const BR::Test::Channels out = BR::Test::RenderWithTransport(*driver, transport, 60000, {256});
+    // Started at quarter 2: the run line is low until the bar line at 4 (48000 frames), then high.
+    for (uint32_t i = 0; i < 48000; ++i)
+        ASSERT_EQ(out[1][i], -0.25f) << i;
+    for (uint32_t i = 48000; i < 60000; ++i)
+        ASSERT_EQ(out[1][i], 0.75f) << i;
+    // The clock's output carries the tone all along, at 1200 Hz while waiting for the first tick.
+    EXPECT_NEAR(ZeroCrossings(out[0], 0, 48000), 2 * 1200 - 1, 1);
+}

@@ -2,6 +2,8 @@
 // with a playing transport at tempo 0 and with no transport at all.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "modules/sequencing/Sync.h"
 #include "tests/support/TransportRender.h"
 
@@ -18,12 +20,15 @@ void ExpectNoTicks(BR::HostDriver& driver, const BR::Test::Channels& out) {
 }  // namespace
 
 TEST(SyncTempo, ZeroTempoGivesNoTicks) {
-    auto driver = BR::Test::MakeDriver("sync", 48000.0f);
-    driver->SetParameterByName("DINsync Type", 2.0f);
-    driver->SetParameterByName("Clock Low", 0.25f);
-    driver->SetParameterByName("Run Low", -0.5f);
-    BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 0.0, 0.0);
-    ExpectNoTicks(*driver, BR::Test::RenderWithTransport(*driver, transport, 48000, {256}));
+    // On a bar line and in the middle of a bar, where a tick of the count would be overdue.
+    for (double quarter : {0.0, 1.5}) {
+        auto driver = BR::Test::MakeDriver("sync", 48000.0f);
+        driver->SetParameterByName("DINsync Type", 2.0f);
+        driver->SetParameterByName("Clock Low", 0.25f);
+        driver->SetParameterByName("Run Low", -0.5f);
+        BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 0.0, quarter);
+        ExpectNoTicks(*driver, BR::Test::RenderWithTransport(*driver, transport, 48000, {256}));
+    }
 }
 
 TEST(SyncTempo, NoTransportCountsAsPlayingAtTempoZero) {
@@ -32,4 +37,17 @@ TEST(SyncTempo, NoTransportCountsAsPlayingAtTempoZero) {
     driver->SetParameterByName("Clock Low", 0.25f);
     driver->SetParameterByName("Run Low", -0.5f);
     ExpectNoTicks(*driver, BR::Test::RenderFrames(*driver, 48000, 256));
+}
+
+TEST(SyncTempo, TempoThatIsNotANumberGivesNoTicks) {
+    for (double tempo :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), -120.0}) {
+        auto driver = BR::Test::MakeDriver("sync", 48000.0f);
+        driver->SetParameterByName("DINsync Type", 2.0f);
+        driver->SetParameterByName("Clock Low", 0.25f);
+        driver->SetParameterByName("Run Low", -0.5f);
+        BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 120.0, 0.0);
+        transport.tempo = tempo;
+        ExpectNoTicks(*driver, BR::Test::RenderWithTransport(*driver, transport, 4800, {256}));
+    }
 }

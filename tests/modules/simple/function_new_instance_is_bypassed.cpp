@@ -18,6 +18,19 @@ TEST(FunctionBypass, NewInstanceOutputsInput) {
     EXPECT_EQ(out[0], in[0]);
     EXPECT_EQ(out[1], in[1]);
 
+    // Curve settings without "Enable" leave the channel bypassed: the defaults are not merely an
+    // identity curve.
+    auto shaped = BR::Test::MakeDriver("Function");  // "Enable L" is row 1, "Enable R" row 7
+    EXPECT_EQ(shaped->Module().GetTableValue(1), 0.0f);
+    EXPECT_EQ(shaped->Module().GetTableValue(7), 0.0f);
+    for (const char* name : {"Function L", "Function R"})
+        shaped->SetParameterByName(name, 2.0f);
+    for (const char* name : {"Output Offset L", "Output Offset R"})
+        shaped->SetParameterByName(name, 0.5f);
+    const BR::Test::Channels same = BR::Test::RenderFrames(*shaped, 2000, 128, in);
+    EXPECT_EQ(same[0], in[0]);
+    EXPECT_EQ(same[1], in[1]);
+
     // In place: the output buffers are the input buffers.
     auto module = BR::Test::MakeDriver("Function");
     BrelCorvaneBase& fn = module->Module();

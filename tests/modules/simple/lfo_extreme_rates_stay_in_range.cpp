@@ -39,3 +39,32 @@ TEST(LFOExtremes, TempoThatIsNotANumberGivesRateZero) {
     for (float v : out[0])
         ASSERT_EQ(v, -1.0f);
 }
+
+TEST(LFOExtremes, NegativeTempoStandsAndHugeTempoEnds) {
+    // A tempo below 0 counts as 0: no rate and no swing, so the output stands. A tempo so large that a
+    // swing unit is far below a sample still renders every frame in range.
+    for (double tempo : {-120.0, 1.0e36, 1.0e300}) {
+        auto driver = BR::Test::MakeDriver("lfo", 48000.0f);
+        driver->SetParameterByName("Sync L", 1.0f);
+        driver->SetParameterByName("Saw L", 1.0f);
+        driver->SetParameterByName("Swing L", 60.0f);
+        driver->SetParameterByName("Sync R", 2.0f);
+        driver->SetParameterByName("Triangle R", 1.0f);
+        driver->SetParameterByName("Swing R", 60.0f);
+        BR::DriverTransport transport = BR::Test::MakeTransport(48000.0, 120.0, 0.3);
+        transport.tempo = tempo;
+        const BR::Test::Channels out = BR::Test::RenderWithTransport(*driver, transport, 2048, {256});
+        const auto& lfo = static_cast<BrelCorvaneLFO::BrelCorvane&>(driver->Module());
+        for (int c = 0; c < 2; ++c)
+            for (float v : out[c]) {
+                ASSERT_TRUE(std::isfinite(v)) << tempo;
+                ASSERT_LE(std::fabs(v), 1.0f) << tempo;
+            }
+        if (tempo < 0.0) {
+            EXPECT_EQ(lfo.Settings(0).rate, 0.0);
+            EXPECT_EQ(lfo.Settings(0).swingFraction, -1.0f);
+            for (float v : out[0])
+                ASSERT_EQ(v, -1.0f);
+        }
+    }
+}
