@@ -202,7 +202,10 @@ void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t
             done += m;
         }
         st.increment = increment;
-        c.swingPhase = swingPhase;  // a later sub-block of this host block goes on from here
+        // A later sub-block of this host block goes on from here. Starting each sub-block from the
+        // position read at the block's start would replay the swing period already rendered, and the
+        // steps would move with the MIDI events and input edges that cut the block.
+        c.swingPhase = swingPhase;
     }
     st.smoother.Process(out, int32_t(frames));
     st.phase -= std::floor(st.phase);
