@@ -22,7 +22,9 @@ void SetupSegment(Envelope& envelope, int32_t segment, float time, float startLe
 }  // namespace
 
 float EnvTimeMultiplier(float multiplierIndex) {
-    return std::pow(10.0f, float(int32_t(multiplierIndex) - 1));
+    // The power of the row's value as it stands: a host that moves the row between its steps scales
+    // the times smoothly between them.
+    return std::pow(10.0f, multiplierIndex - 1.0f);
 }
 
 void ReadEnvParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out) {
@@ -154,7 +156,8 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count) {
         EnvStage& stage = envelope.stages[index];
         const uint32_t n = std::min(stage.samplesLeft, count - written);
         if (n == 0 && index == kEnvFinished) {
-            // The finished stage ran down its counter (after 2^32 - 1 samples): it still holds.
+            // The finished stage ran down its counter (after 2^32 - 1 samples). With no stage below
+            // it and no samples left, the loop would never write the rest of the block: it holds.
             std::fill(out + written, out + count, level);
             break;
         }

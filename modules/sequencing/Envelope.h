@@ -89,7 +89,7 @@ struct EnvDisplayValues {
     float level = 0.0f;
 };
 
-// The time factor of a "Multiplier" index: 10^(index - 1).
+// The time factor of a "Multiplier" value: 10^(value - 1), also between the indices.
 float EnvTimeMultiplier(float multiplierIndex);
 
 // Reads one envelope's parameter rows from a module.

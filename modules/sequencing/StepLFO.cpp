@@ -272,7 +272,9 @@ double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double positi
     c.triggerNoteMax = int32_t(GetTableValue(kResetRows[lane] + kTriggerNoteMax));
 
     if (!playing && c.syncMode == kTransport) {
-        // The lane's steps drop out of the output while the transport stands.
+        // The lane's steps drop out of the output while the transport stands. The increment stops too:
+        // a phase run on from 0 in every stopped block would cross the same step boundaries again and
+        // again, and the random register would rewrite steps just written back to the parameters.
         c.rate = 0.0;
         c.offset = 0.0f;
         c.multiplier = 0.0f;
@@ -415,7 +417,8 @@ int32_t BrelCorvane::SetProperty(uint32_t id, const void* data, uint32_t size) {
             const int32_t lane = edit[0], bit = edit[1], operation = edit[2];
             if (lane < 0 || lane >= kNumLanes || operation < BR::kEditNone || operation > BR::kEditToggle)
                 return BR::kErrInvalidParameter;
-            // Lane, bit (as used: modulo 64) and operation ride in the channel and data bytes.
+            // Lane, bit (as used: modulo 64) and operation ride in the channel and data bytes of a
+            // short-message item. This queue is read only by ApplyEdits and never dispatched as MIDI.
             editQueue.Write(0, uint8_t(lane), uint8_t(bit & 63), uint8_t(operation), 0);
             return BR::kNoErr;
         }

@@ -111,7 +111,10 @@ void BrelCorvane::HandleTriggerReset(int lane, bool trigger, bool reset) {
             st.pendingReset = false;
             st.phase = st.pendingPhase;
         } else {
-            // On to the start of the step after the one that last played.
+            // On to the start of the step after the one that last played. The step is not taken from
+            // floor(phase * N): that ignores the loop's start step and the asymmetry, and (s + 1) / N
+            // may round into step s in the float step position; in each case the lane would fall back
+            // into the step it stands in and never move on.
             const int32_t played = st.currentStep - c.startIndex;
             const int32_t from = played >= 0 && played < n ? played : int32_t(s);
             st.phase = PhaseOfStepStart(lane, from + 1);
@@ -199,7 +202,10 @@ void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t
             done += m;
         }
         st.increment = increment;
-        c.swingPhase = swingPhase;  // a later sub-block of this host block goes on from here
+        // A later sub-block of this host block goes on from here. Starting each sub-block from the
+        // position read at the block's start would replay the swing period already rendered, and the
+        // steps would move with the MIDI events and input edges that cut the block.
+        c.swingPhase = swingPhase;
     }
     st.smoother.Process(out, int32_t(frames));
     st.phase -= std::floor(st.phase);
@@ -240,6 +246,9 @@ void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t fra
                 // Stop one sample short of the boundary until the next trigger. Going back re-enters the
                 // step before, so the boundary logic, random step included, runs a second time.
                 phase -= increment;
+                // At the loop's wrap the step back from just past 0 lands just below 1, in the last
+                // step, as at any other boundary. Left below 0 the phase would read as the first step
+                // until the end of the sub-block and as the last one after it.
                 if (phase < 0.0) phase += 1.0;
                 increment = 0.0;
                 continue;

@@ -135,7 +135,9 @@ void BrelCorvane::HandleNoteOn(int32_t, int32_t note, int32_t noteVelocity) {
 }
 
 void BrelCorvane::HandleNoteOff(int32_t, int32_t note, int32_t noteVelocity) {
-    // The release starts whether or not the gate was open.
+    // The release starts whether or not the gate was open. From a finished envelope (level 0) R1 heads
+    // for "Env 1 Level R1" only while the scaled sustain is 0.001 or less: above that the R1 level is
+    // kept in proportion to level / sustain, which is 0, and the output stays where it is.
     if (note == triggerNote) ReleaseNote(float(noteVelocity) * kVelocityScale);
 }
 

@@ -26,6 +26,11 @@ TEST(TriggerCV, InputHighAtStartOpensOnFirstSample) {
     EXPECT_EQ(out[0][63], 1.0f);
     EXPECT_TRUE(Module(*driver).GateOpen());
     EXPECT_EQ(Module(*driver).Velocity(), 1.0f);
+    // In blocks of one frame the first block is that one sample: the edge must be seen on it.
+    auto single = CVGate(0.2f);
+    const auto first = BR::Test::RenderFrames(*single, 1, 1, {std::vector<float>(1, 0.5f)});
+    EXPECT_EQ(first[0][0], 1.0f);
+    EXPECT_TRUE(Module(*single).GateOpen());
 }
 
 TEST(TriggerCV, ValueAtThresholdCountsLow) {

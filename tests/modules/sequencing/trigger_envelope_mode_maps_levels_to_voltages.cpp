@@ -1,5 +1,5 @@
-// Envelope mode writes level * (max - min) + min, with the envelope run from the module's rows, and a
-// stray matching note-off while finished rises towards a non-zero "Env 1 Level R1".
+// Envelope mode writes level * (max - min) + min, with the envelope run from the module's rows; the
+// envelope stands still in the other modes.
 #include <gtest/gtest.h>
 
 #include "modules/sequencing/Envelope.h"
@@ -35,22 +35,6 @@ TEST(TriggerEnvelope, LevelsMappedThroughTheVoltages) {
     for (size_t i = 0; i < 2048; ++i)
         ASSERT_EQ(out[0][i], levels[i] * 0.8f + -0.5f) << i;
     EXPECT_GT(out[0][300], -0.5f);
-}
-
-TEST(TriggerEnvelope, StrayNoteOffRisesToLevelR1) {
-    auto driver = BR::Test::MakeDriver("trigger");
-    driver->SetParameterByName("Output Mode", 2.0f);
-    driver->SetParameterByName("Env 1 Level R1", 0.5f);
-    driver->SetParameterByName("Env 1 Time R2", 1.0f);
-    // With a sustain above 0.001 the R1 level would be scaled by level / sustain, which is 0 here.
-    driver->SetParameterByName("Env 1 Sustain", 0.0f);
-    const auto out = BR::Test::RenderFrames(*driver, 9600, 256, {}, {{100, {0x80, 60, 64}}});
-    EXPECT_EQ(out[0][99], 0.0f);
-    EXPECT_GT(out[0][2000], 0.1f);
-    EXPECT_NEAR(out[0][4899], 0.5f, 1e-2f);  // R1 of 0.1 s from level 0 to 0.5
-    auto& trigger = static_cast<BrelCorvaneTrigger::BrelCorvane&>(driver->Module());
-    EXPECT_FALSE(trigger.GateOpen());
-    EXPECT_FLOAT_EQ(trigger.ReleaseVelocity(), 64.0f * 0.007874016f);
 }
 
 TEST(TriggerEnvelope, StandsStillOutsideEnvelopeMode) {
