@@ -140,6 +140,8 @@ uint32_t CalibrationMeasurement::Pass(const float* input, uint32_t frames, Calib
                                       float sampleRate) {
     if (measurePhase != 0 || frames == 0) return 0;
     if (settleLeft != 0) {
+        // A settling pass never takes a result: the estimator still holds the five periods of the
+        // step before until the settling ends, and would repeat them for this level.
         const uint32_t m = std::min(settleLeft, frames);
         settleLeft -= m;
         if (settleLeft == 0) estimator.Reset();

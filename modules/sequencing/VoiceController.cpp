@@ -479,12 +479,10 @@ int32_t BrelCorvane::GetProperty(uint32_t id, void* data) {
             return BR::PutProperty(data, static_cast<uint8_t*>(calibration.valid));
         case BR::kPropertyCalibrationCount:
             return BR::PutProperty(data, int32_t(BR::kCalibrationEntries));
-        case kPropertyPolyPlace: {
-            // Read from the parameters, so that a master finds its voices before they first render.
+        case kPropertyPolyPlace:
+            // The place as of this instance's last block or sub-block start, as its render path sees it.
             if (mode == kModeMaster) return BR::PutProperty(data, int32_t(-1));
-            if (int32_t(GetTableValue(kPolyMode)) != kPolyVoice) return BR::PutProperty(data, int32_t(0));
-            return BR::PutProperty(data, std::clamp(int32_t(GetTableValue(kPolyphonyVoice)), 1, kMaxVoices));
-        }
+            return BR::PutProperty(data, polyMode == kPolyVoice ? voiceId : int32_t(0));
         case BR::kPropertyCalibrationTime:
             return BR::PutProperty(data, int64_t(calibrationTime));
         case BR::kPropertyCalibrationName:

@@ -80,6 +80,24 @@ TEST(VoiceControllerCalibrationActions, TransferFromTheFirstNamedVoiceController
     EXPECT_EQ(target.vc.CalibrationName(), "<Voice Controller Calibration>");
 }
 
+TEST(VoiceControllerCalibrationActions, TransferCanTakeTheTargetItselfFirst) {
+    // The walk takes the first named Voice Controller, whichever it is: a named target met first
+    // copies its own table and only changes its name.
+    BR::Test::VoiceRig target;
+    target.vc.Calibration().MakeArdent();
+    const char own[] = "own.txt";
+    target.vc.SetProperty(BR::kPropertyCalibrationName, own, sizeof own);
+    BR::Test::VoiceRig other;
+    other.vc.Calibration().notes[60].value = 0.75f;
+    const char name[] = "<>";
+    other.vc.SetProperty(BR::kPropertyCalibrationName, name, sizeof name);
+    const BR::CalibrationTable before = target.vc.Calibration();
+    EXPECT_TRUE(BR::TransferCalibration(target.vc));
+    EXPECT_EQ(std::memcmp(target.vc.Calibration().notes, before.notes, sizeof before.notes), 0);
+    EXPECT_EQ(std::memcmp(target.vc.Calibration().valid, before.valid, sizeof before.valid), 0);
+    EXPECT_EQ(target.vc.CalibrationName(), "<Voice Controller Calibration>");
+}
+
 namespace {
 // Stands in for a module that takes a grid: keeps what arrives through properties 64120 and 64121.
 class GridTaker : public BR::Test::ProbeModule {

@@ -17,6 +17,9 @@ TEST(VoiceControllerPolyPlace, MasterMonoAndVoice) {
     EXPECT_EQ(Place(rig), 0);
     rig.Set("Poly Mode", 2);
     rig.Set("Polyphony/Voice", 7);
+    // The place is what the last block start read: unchanged until the instance renders again.
+    EXPECT_EQ(Place(rig), 0);
+    rig.Render(16);
     EXPECT_EQ(Place(rig), 7);
     rig.Set("Poly Mode", 1);
     rig.Render(16);

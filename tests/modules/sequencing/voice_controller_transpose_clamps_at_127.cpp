@@ -11,6 +11,10 @@ TEST(VoiceControllerPitch, TransposeClampsAtTheTop) {
     rig.Set("Transpose", 24);
     auto out = rig.Render(64, 64, {{0, BR::Test::Midi(0x90, 120, 100)}});
     EXPECT_EQ(out[0][10], 0.5f);
+    // The display gets the clamped note and its value.
+    const auto& status = rig.vc.GetStatusBlock()->As<BrelCorvaneVoiceController::VoiceControllerStatus>();
+    EXPECT_EQ(status.note, 127.0f);
+    EXPECT_EQ(status.value, 0.5f);
     // Detune and vibrato are added before the clamp as well.
     rig.Set("Transpose", 6);
     rig.Set("Detune", 50);
