@@ -1,5 +1,6 @@
 // transport: JACK's transport master for a test: BBT at a fixed tempo and meter, located to frame 0
-// and stopped ("ready"), rolling for a while on SIGUSR1 ("rolling"), then stopped again ("stopped")
+// and stopped ("ready"), rolling on SIGUSR1 ("rolling") until the transport has passed SECONDS of
+// frames (JACK's time, however slowly a loaded machine runs it), then stopped again ("stopped")
 // until SIGTERM or SIGINT end it cleanly.
 //   transport --tempo BPM --roll SECONDS [--beats-per-bar N] [--beat-type D]
 #include <jack/jack.h>
@@ -83,13 +84,21 @@ int Transport(const std::vector<std::string>& args) {
         throw std::runtime_error("cannot become the timebase master");
     jack_transport_stop(client);
     jack_transport_locate(client, 0);
+    // Clients started after "ready" must find the tempo in their first cycle: wait until a cycle
+    // has carried it, at frame 0.
+    for (jack_position_t position{};;) {
+        const jack_transport_state_t state = jack_transport_query(client, &position);
+        if (state == JackTransportStopped && position.frame == 0 && (position.valid & JackPositionBBT)) break;
+        if (quit.load()) return 1;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     Say("ready");
     while (!quit.load() && !go.load())
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     jack_transport_start(client);
     Say("rolling");
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(roll);
-    while (!quit.load() && std::chrono::steady_clock::now() < end)
+    const jack_nframes_t end = jack_nframes_t(roll * double(jack_get_sample_rate(client)));
+    while (!quit.load() && jack_get_current_transport_frame(client) < end)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     jack_transport_stop(client);
     Say("stopped");
