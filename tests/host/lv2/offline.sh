@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# lv2file renders every built module offline from a file, in host blocks of 4096 and 16384 frames
-# (longer than the module's 1024 and than the most it is given, 8192), with settings from the table
-# below: the samples must be those of "corvane render" with the same settings. The probe shows how
+# lv2file renders every built module offline from a file, with the settings and in the host blocks of
+# the table below (mostly 4096 and 16384 frames, longer than the module's 1024 and than the most it is
+# given, 8192): the samples must be those of "corvane render" with the same settings. The probe shows how
 # long the module's blocks were.
 source "$(dirname "$0")/common.sh"
 
