@@ -68,6 +68,52 @@ trap on_exit EXIT
 # The modules the build carries: "stem<TAB>inputs<TAB>outputs" per line, from "corvane list".
 built_modules() { "$CORVANE" list | awk -F'\t' '{ print $2 "\t" $4 "\t" $5 }'; }
 
+# Input audio port symbols of a plug-in, in port order, from lv2file's own listing.
+input_ports() {
+    lv2file -n "$1" 2> /dev/null | awk '/^==Audio Ports==/ { on = 1; next } /^==/ { on = 0 } on && NF { sub(":.*", ""); print }'
+}
+
+# The settings column of a module table, "Name=Value, Name=Value", turned into the arrays each host
+# takes: RENDER_SET (corvane render --set), LV2FILE_SET (lv2file -p) and JALV_SET (jalv -c). The
+# port symbol is the row name in lower case with "_" for each run of other characters; each must be
+# a control port of the plug-in, so a misspelt name fails here rather than being ignored by a host.
+settings_to_args() {  # STEM SETTINGS
+    local stem=$1 item name value symbol
+    RENDER_SET=() LV2FILE_SET=() JALV_SET=()
+    [ "$2" = "-" ] && return 0
+    while IFS= read -r item; do
+        item=$(sed 's/^ *//; s/ *$//' <<< "$item")
+        [ -n "$item" ] || continue
+        name=${item%%=*} value=${item#*=}
+        symbol=$(tr 'A-Z' 'a-z' <<< "$name" | sed 's/[^a-z0-9]\+/_/g; s/^_//; s/_$//')
+        grep -q "lv2:symbol \"$symbol\" ;" "$BUNDLE/$stem.ttl" || fail "$stem has no control port \"$symbol\" for \"$name\""
+        RENDER_SET+=(--set "$name=$value")
+        LV2FILE_SET+=(-p "$symbol:$value")
+        JALV_SET+=(-c "$symbol=$value")
+    done < <(tr ',' '\n' <<< "$2")
+}
+
+# Reads a module table (rows "stem | column | column ...", "#" comments) from stdin into TABLE_STEMS
+# and TABLE_ROWS (the rest of each row, keyed by stem), and fails unless every built module has a row.
+read_table() {
+    local line stem
+    TABLE_STEMS=()
+    declare -gA TABLE_ROWS=()
+    while IFS= read -r line; do
+        [[ "$line" =~ ^[[:space:]]*(#|$) ]] && continue
+        stem=$(sed 's/ *|.*//; s/^ *//' <<< "$line")
+        TABLE_STEMS+=("$stem")
+        TABLE_ROWS[$stem]=${line#*|}
+    done
+    while IFS=$'\t' read -r stem _; do
+        [ -n "${TABLE_ROWS[$stem]+set}" ] || fail "module $stem has no row in the table of $SCRIPT.sh"
+    done < <(built_modules)
+}
+# Field K (from 1, after the stem) of a table row, trimmed.
+field() {  # ROW K
+    awk -F'|' -v k="$2" '{ v = $k; gsub(/^ +| +$/, "", v); print v }' <<< "$1"
+}
+
 # A float value as the module computes it, e.g. float32 0.3 * 1.5, is what corvane render gives:
 # tests compare against its files rather than against decimal numbers.
 

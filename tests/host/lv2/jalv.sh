@@ -1,12 +1,16 @@
 #!/usr/bin/env bash
-# jalv on JACK's dummy backend (no sound card, a private server): every built module's recorded output
-# equals "corvane render" with the same settings; MIDI from jack_midiseq lands on its exact samples;
+# jalv on JACK's dummy backend (no sound card, a private server): every built module, given the settings,
+# input signal and MIDI notes of the table below while JACK's transport rolls, records exactly what
+# "corvane render" gives with the same settings, input, notes and transport, sample for sample from
+# the first; MIDI from jack_midiseq lands on its exact samples;
 # JACK's transport (tempo, position, play and stop) reaches the module; a JACK period of 2048 frames,
 # longer than the module's default 1024, works.
 source "$(dirname "$0")/common.sh"
 
+# Synchronous mode: each cycle waits for every client (up to 10 s) instead of going on without one
+# that is late, so a loaded machine gives slow cycles rather than lost samples or positions.
 start_jack() {  # PERIOD
-    background jackd --no-realtime -n "$JACK_DEFAULT_SERVER" -d dummy -r 48000 -p "$1" > "$WORK/jackd-$1.log" 2>&1
+    background jackd --no-realtime --sync --timeout 10000 -n "$JACK_DEFAULT_SERVER" -d dummy -r 48000 -p "$1" > "$WORK/jackd-$1.log" 2>&1
     jack_wait -w -t 10 > /dev/null 2>&1 || fail "jackd did not start (period $1)"
 }
 start_jalv() {  # NAME URI [jalv options]
@@ -38,6 +42,28 @@ outputs_of() {  # NAME COUNT: NAME:out_1 ... NAME:out_COUNT
     for ((k = 1; k <= $2; k++)); do printf '%s:out_%d ' "$1" "$k"; done
 }
 
+# Per module: settings, an input signal (the "corvane_host_tool signal" sines) or none, and MIDI events
+# at frames from the start of playing, chosen so that every output channel moves. All are played in
+# the first second of JACK's transport rolling at 90 BPM from 0, and the render gets the same: the
+# input file, the events (--event), the transport (--tempo 90, playing from 0) and blocks of 256.
+JALV_TABLE='
+# stem          | input  | MIDI events (FRAME:HEXBYTES ...)                                        | settings
+dc              | signal | -                                                                       | Output Positive L=0.3, Multiplier L=-1.5, Input Add L=1, Output Symmetric R=-0.45, Multiplier R=1.5, Input Multiply R=0.5
+Function        | signal | -                                                                       | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
+# Both channels locked to the transport (a beat and half a beat); the input multiplies R
+lfo             | signal | -                                                                       | Sync L=2, Beats L=1, Sine L=1, Triangle L=-0.3, Sync R=2, Beats R=2, Beat Divisor R=3, Saw R=0.5, Square R=0.3, Input Mode R=1
+# Steps on the transport (by default), R interpolated, inputs 1 and 4 added
+steplfo         | signal | -                                                                       | Step 1 L=0.5, Step 2 L=-0.25, Step 5 L=1, Step 6 L=-0.75, Step 2 R=0.8, Step 4 R=-0.6, Interpolation R=1, Signal Input R=4
+# A 24 PPQN clock from the transport, a run pulse at its start
+sync            | -      | -                                                                       | DINsync Type=1, Clock High=0.8, Run Low=-0.5, Run Signal Type=2
+# Envelopes of note 60 at three velocities; note 61 is not the trigger note
+trigger         | -      | 1000:903C64 12000:803C40 20000:903C30 30000:803C00 36000:903D7F 38000:903C7F | Output Mode=2, Env 1 Sustain=0.6, Env 1 Velocity Depth=0.5
+# Newest-note priority over two notes, then a third; gate, three envelopes, velocity and trigger routed out
+voicecontroller | -      | 1000:903C64 8000:904340 16000:804300 24000:803C00 32000:90477F 40000:804700 | Output 1 Gate=0.25, Output 3 Env1=1, Output 4 Env2=0.5, Env 2 Time A2=0.3, Output 5 Env3=-1, Env 3 Time A3=0.05, Output 6 Velocity=1, Output 6 Trigger=0.5
+'
+read_table <<< "$JALV_TABLE"
+PLAYED=48000
+
 DC_SETTINGS=(-c output_positive_l=0.3 -c multiplier_l=-1.5 -c output_symmetric_r=-0.45 -c multiplier_r=1.5)
 DC_RENDER=(--set "Output Positive L=0.3" --set "Multiplier L=-1.5" --set "Output Symmetric R=-0.45" --set "Multiplier R=1.5")
 
@@ -49,27 +75,24 @@ wait_line() {  # FILE TEXT
 step "JACK dummy backend, period 256; transport master at 90 BPM, stopped at 0"
 start_jack 256
 # Every jalv below starts with the transport stopped at frame 0 and JACK's tempo 90 BPM: jalv tells
-# its plug-in so in the first cycle, and the renders below use the same (--stopped --tempo 90).
+# its plug-in so, and the renders below use the same (--stopped --tempo 90).
 background "$TOOL" transport --tempo 90 --roll 2 > "$WORK/transport.log" 2>&1
 TRANSPORT=${BACKGROUND[-1]}
 wait_line "$WORK/transport.log" ready
 while IFS=$'\t' read -r stem inputs outputs; do
-    start_jalv "$stem" "urn:brelmont:corvane:$stem"
+    settings_to_args "$stem" "$(field "${TABLE_ROWS[$stem]}" 3)"
+    start_jalv "$stem" "urn:brelmont:corvane:$stem" "${JALV_SET[@]}"
 done < <(built_modules)
 start_jalv dcset urn:brelmont:corvane:dc "${DC_SETTINGS[@]}"
 start_jalv probe "$PROBE_URI" -c level=0.5
 # A loop of 4801 frames: note 60 on at frame 0 for 1234 frames.
 background jack_midiseq seq 4801 0 60 1234 > "$WORK/midiseq.log" 2>&1
 settle $(built_modules | cut -f1 | sed 's/$/:out_1/') dcset:out_1 probe:out_1 seq:out
-
-while IFS=$'\t' read -r stem inputs outputs; do
-    step "$stem: recorded output against corvane render (defaults)"
-    # shellcheck disable=SC2046
-    capture "$WORK/$stem.wav" 24000 $(outputs_of "$stem" "$outputs")
-    render "$stem" --seconds 40 --stopped --tempo 90 --out "$WORK/$stem-ref.wav"
-    # The plug-in ran for a while before recording began: find where.
-    "$TOOL" compare "$WORK/$stem.wav" "$WORK/$stem-ref.wav" --align || fail "$stem in jalv differs from corvane render"
-done < <(built_modules)
+# jalv tells its plug-in of JACK's transport only when it changes, and on a loaded machine may run
+# cycles before it starts processing, whose news it drops: the transport master now moves the tempo
+# and back, which every jalv, processing by now, passes on.
+kill -USR2 "$TRANSPORT"
+wait_line "$WORK/transport.log" announced
 
 step "dc with settings from jalv -c against corvane render"
 capture "$WORK/dcset.wav" 24000 dcset:out_1 dcset:out_2
@@ -87,6 +110,26 @@ capture "$WORK/midi.wav" 48000 probe:out_1 probe:out_2 probe:out_3 probe:out_4
 "$TOOL" expect-constant "$WORK/midi.wav" 3 0.09 || fail "the tempo before rolling is not 90"
 "$TOOL" expect-constant "$WORK/midi.wav" 4 0 || fail "the transport is not stopped before rolling"
 
+step "every module: settings, input and MIDI of its row played from the transport's start"
+declare -A DRIVE=()
+while IFS=$'\t' read -r stem inputs outputs; do
+    row=${TABLE_ROWS[$stem]}
+    # The MIDI port is connected even without events: it puts the player before the plug-in.
+    play=(--midi-to "$stem:midi_in")
+    if [ "$(field "$row" 1)" = signal ]; then
+        "$TOOL" signal "$WORK/in-$stem.wav" "$inputs" $PLAYED
+        play+=(--in "$WORK/in-$stem.wav")
+        while read -r port; do play+=(--to "$stem:$port"); done < <(input_ports "urn:brelmont:corvane:$stem")
+    fi
+    events=$(field "$row" 2)
+    if [ "$events" != - ]; then for e in $events; do play+=(--event "$e"); done; fi
+    # shellcheck disable=SC2046
+    background "$TOOL" drive --name "drive_$stem" --roll --out "$WORK/$stem.wav" --frames $PLAYED "${play[@]}" \
+        $(outputs_of "$stem" "$outputs") > "$WORK/drive-$stem.log" 2>&1
+    DRIVE[$stem]=${BACKGROUND[-1]}
+done < <(built_modules)
+for stem in "${!DRIVE[@]}"; do wait_line "$WORK/drive-$stem.log" armed; done
+
 step "JACK transport rolls from 0 at 90 BPM for 2 s, then stops"
 kill -USR1 "$TRANSPORT"
 capture "$WORK/transport.wav" 48000 --roll probe:out_2 probe:out_3 probe:out_4 | tee "$WORK/capture.log"
@@ -97,6 +140,22 @@ phase=$(awk -v f="$start" 'BEGIN { q = f * 90 / 60 / 48000; printf "%.9f", q - i
     || fail "the beat position does not follow JACK's transport"
 "$TOOL" expect-constant "$WORK/transport.wav" 2 0.09 || fail "the tempo is not JACK's"
 "$TOOL" expect-constant "$WORK/transport.wav" 3 1 || fail "the module does not see the transport rolling"
+while IFS=$'\t' read -r stem inputs outputs; do
+    step "$stem: recorded output against corvane render, from the first sample played"
+    wait "${DRIVE[$stem]}" || { cat "$WORK/drive-$stem.log" >&2; fail "driving $stem in jalv failed"; }
+    grep -qx "drove $PLAYED frames .* from transport frame 0" "$WORK/drive-$stem.log" \
+        || { cat "$WORK/drive-$stem.log" >&2; fail "$stem was not played from the transport's start"; }
+    row=${TABLE_ROWS[$stem]}
+    settings_to_args "$stem" "$(field "$row" 3)"
+    given=()
+    if [ "$(field "$row" 1)" = signal ]; then given+=(--in "$WORK/in-$stem.wav"); fi
+    events=$(field "$row" 2)
+    if [ "$events" != - ]; then for e in $events; do given+=(--event "$e"); done; fi
+    render "$stem" --block 256 --tempo 90 --frames $PLAYED "${given[@]}" "${RENDER_SET[@]}" --out "$WORK/$stem-ref.wav"
+    "$TOOL" expect-varying "$WORK/$stem-ref.wav" || fail "$stem: the reference does not move"
+    "$TOOL" compare "$WORK/$stem.wav" "$WORK/$stem-ref.wav" || fail "$stem in jalv differs from corvane render"
+done < <(built_modules)
+
 wait_line "$WORK/transport.log" stopped
 sleep 0.2
 capture "$WORK/stopped.wav" 4800 probe:out_2 probe:out_4

@@ -1,13 +1,10 @@
 #!/usr/bin/env bash
-# lv2file renders every built module offline from a file, in host blocks of 4096 and 16384 frames
-# (longer than the module's 1024 and than the most it is given, 8192): the samples must be those of
-# "corvane render" with the same settings. The probe shows how long the module's blocks were.
+# lv2file renders every built module offline from a file, with the settings and in the host blocks of
+# the table below (mostly 4096 and 16384 frames, longer than the module's 1024 and than the most it is
+# given, 8192): the samples must be those of "corvane render" with the same settings. The probe shows how
+# long the module's blocks were.
 source "$(dirname "$0")/common.sh"
 
-# Input port symbols of a plug-in, in port order, from lv2file's own listing.
-input_ports() {
-    lv2file -n "$1" 2> /dev/null | awk '/^==Audio Ports==/ { on = 1; next } /^==/ { on = 0 } on && NF { sub(":.*", ""); print }'
-}
 # lv2file with channel k of the input file on the k-th audio input.
 run_lv2file() {  # URI IN OUT BLOCK [lv2file options...]
     local uri=$1 in=$2 out=$3 block=$4 k=0 port
@@ -21,25 +18,50 @@ run_lv2file() {  # URI IN OUT BLOCK [lv2file options...]
         || { cat "$WORK/lv2file.log" >&2; fail "lv2file failed on $uri"; }
 }
 
+# Settings per module under which its output moves, given the input file (each channel a different
+# sine, see "corvane_host_tool signal"). lv2file sends no MIDI and no transport, so what needs notes or
+# a rolling transport is left to jalv.sh. "varies": every channel of the reference must hold several
+# values, so the comparison cannot pass on a constant; "steady": nothing lv2file can send moves it.
+# Blocks longer than the module's 1024 (up to 8192 it takes them whole, past that they are cut) are
+# the usual host block sizes to compare in.
+OFFLINE_TABLE='
+# stem          | check  | lv2file blocks | settings ("Name=Value, ...", as "corvane params STEM" names them)
+dc              | varies | 4096 16384     | Output Positive L=0.25, Multiplier L=-1.5, Input Add L=0.5, Output Symmetric R=-0.75, Input Multiply R=0.5, Smoothing R=-20, Smoothing L=5
+Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
+# Free-running waves; the input multiplies R
+lfo             | varies | 4096 16384     | Speed L=3, Sine L=1, Triangle L=-0.3, Speed R=7, Square R=0.4, Pulse Width R=30, Saw R=0.5, Input Mode R=1
+# Free-running steps, R interpolated, with input 3 added
+steplfo         | varies | 4096 16384     | Sync L=0, Speed L=7, Step 1 L=0.5, Step 2 L=-0.25, Step 5 L=1, Step 9 L=-0.75, Sync R=0, Speed R=2, Interpolation R=1, Step 3 R=0.8, Step 10 R=-0.6, Signal Input R=3
+# No transport, no clock: the inputs pass through onto the clock and run levels
+sync            | varies | 4096 16384     | Clock Low=0.25, Run Low=-0.5
+# Rising edges of the input through 0.3 start short envelopes. The module acts on an edge at the
+# start of the pass that renders up to it, so its output depends on where blocks are cut: corvane
+# render cuts at 1024, and so must the host. (The input is a whole number of blocks long: lv2file
+# fills a short last block with silence, whose falling edge would act early in the same way.)
+trigger         | varies | 256 1024       | CV Trigger Enable=1, CV Trigger Threshold=0.3, Output Mode=2, Env 1 Time A2=0.002, Env 1 Time A3=0.001, Env 1 Time R1=0.003
+# Without notes only the overrides and offsets reach the outputs
+voicecontroller | steady | 4096 16384     | Override Gate=1, Gate=0.7, Output 2 Offset=-0.2, Output 6 Offset=0.3
+'
+read_table <<< "$OFFLINE_TABLE"
+
 while IFS=$'\t' read -r stem inputs outputs; do
-    step "$stem: lv2file in blocks of 4096 and 16384 against corvane render"
-    "$TOOL" signal "$WORK/in-$stem.wav" "$inputs" 48000
-    for block in 4096 16384; do
-        run_lv2file "urn:brelmont:corvane:$stem" "$WORK/in-$stem.wav" "$WORK/$stem-$block.wav" $block
-        render "$stem" --in "$WORK/in-$stem.wav" --block $block --no-transport --out "$WORK/$stem-$block-ref.wav"
+    row=${TABLE_ROWS[$stem]}
+    check=$(field "$row" 1)
+    blocks=$(field "$row" 2)
+    settings_to_args "$stem" "$(field "$row" 3)"
+    step "$stem: lv2file in blocks of ${blocks// / and } against corvane render ($check)"
+    "$TOOL" signal "$WORK/in-$stem.wav" "$inputs" 49152
+    for block in $blocks; do
+        run_lv2file "urn:brelmont:corvane:$stem" "$WORK/in-$stem.wav" "$WORK/$stem-$block.wav" $block "${LV2FILE_SET[@]}"
+        render "$stem" --in "$WORK/in-$stem.wav" --block $block --no-transport "${RENDER_SET[@]}" --out "$WORK/$stem-$block-ref.wav"
+        case $check in
+            varies) "$TOOL" expect-varying "$WORK/$stem-$block-ref.wav" --min-distinct 3 || fail "$stem: the reference does not move" ;;
+            steady) ;;
+            *) fail "$stem: unknown check \"$check\"" ;;
+        esac
         "$TOOL" compare "$WORK/$stem-$block.wav" "$WORK/$stem-$block-ref.wav" || fail "$stem differs in blocks of $block"
     done
 done < <(built_modules)
-
-step "dc with settings: lv2file against corvane render"
-"$TOOL" signal "$WORK/in2.wav" 2 48000
-run_lv2file urn:brelmont:corvane:dc "$WORK/in2.wav" "$WORK/dc-set.wav" 4096 \
-    -p output_positive_l:0.25 -p multiplier_l:-1.5 -p input_add_l:0.5 -p output_symmetric_r:-0.75 \
-    -p input_multiply_r:0.5 -p smoothing_r:-20 -p smoothing_l:5
-render dc --in "$WORK/in2.wav" --block 4096 --no-transport --set "Output Positive L=0.25" \
-    --set "Multiplier L=-1.5" --set "Input Add L=0.5" --set "Output Symmetric R=-0.75" \
-    --set "Input Multiply R=0.5" --set "Smoothing R=-20" --set "Smoothing L=5" --out "$WORK/dc-set-ref.wav"
-"$TOOL" compare "$WORK/dc-set.wav" "$WORK/dc-set-ref.wav" || fail "dc with settings differs"
 
 step "probe: module blocks follow bufsz:maxBlockLength up to 8192, longer host blocks are cut"
 "$TOOL" signal "$WORK/in4.wav" 4 40000

@@ -66,13 +66,15 @@ int main(int argc, char** argv) {
         std::fprintf(
             stderr,
             "usage: corvane_host_tool "
-            "capture|transport|elck-set|signal|compare|expect-constant|expect-gate|expect-ramp ...\n");
+            "capture|drive|transport|elck-set|signal|compare|expect-constant|expect-gate|expect-ramp|\n"
+            "expect-varying ...\n");
         return 2;
     }
     const std::string command = argv[1];
     const std::vector<std::string> args(argv + 2, argv + argc);
     try {
         if (command == "capture") return Capture(args);
+        if (command == "drive") return DriveCommand(args);
         if (command == "signal") return Signal(args);
         if (command == "transport") return Transport(args);
         if (command == "elck-set") return ElckSet(args);
@@ -80,6 +82,7 @@ int main(int argc, char** argv) {
         if (command == "expect-constant") return ExpectConstant(args);
         if (command == "expect-gate") return ExpectGate(args);
         if (command == "expect-ramp") return ExpectRamp(args);
+        if (command == "expect-varying") return ExpectVarying(args);
         std::fprintf(stderr, "corvane_host_tool: unknown command \"%s\"\n", command.c_str());
         return 2;
     } catch (const std::exception& e) {

@@ -19,6 +19,7 @@ void WriteAudio(const std::string& path, const Audio& audio);
 
 // Subcommands; each returns the process's exit status and prints what it found.
 int Capture(const std::vector<std::string>& args);
+int DriveCommand(const std::vector<std::string>& args);
 int Signal(const std::vector<std::string>& args);
 int Transport(const std::vector<std::string>& args);
 int ElckSet(const std::vector<std::string>& args);
@@ -26,5 +27,6 @@ int Compare(const std::vector<std::string>& args);
 int ExpectConstant(const std::vector<std::string>& args);
 int ExpectGate(const std::vector<std::string>& args);
 int ExpectRamp(const std::vector<std::string>& args);
+int ExpectVarying(const std::vector<std::string>& args);
 
 }  // namespace BR::HostTool

@@ -27,12 +27,14 @@ struct Recorder {
     size_t written = 0;
     bool roll = false;
     std::atomic<bool> armed{false};
+    std::atomic<uint64_t> cycles{0};
     std::atomic<bool> done{false};
     std::atomic<int64_t> startFrame{-1};
 };
 
 int Process(jack_nframes_t n, void* arg) {
     Recorder& r = *static_cast<Recorder*>(arg);
+    r.cycles.fetch_add(1);
     if (!r.armed.load() || r.done.load()) return 0;
     if (r.written == 0) {
         if (r.roll) {
@@ -111,6 +113,10 @@ int Capture(const std::vector<std::string>& args) {
         }
     }
     if (status_ == 0) {
+        // A connection takes effect at the start of a later cycle: let two pass before recording.
+        const uint64_t connectedAt = r.cycles.load();
+        while (r.cycles.load() < connectedAt + 2 && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         r.armed.store(true);
         while (!r.done.load() && std::chrono::steady_clock::now() < deadline)
             std::this_thread::sleep_for(std::chrono::milliseconds(10));

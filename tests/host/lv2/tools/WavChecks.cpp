@@ -8,9 +8,14 @@
 //       a square wave: rising edges exactly P frames apart, each W frames high at L
 //   expect-ramp FILE CHANNEL --step S [--start V] [--tolerance X]
 //       a sawtooth in [0, 1) rising by S per frame (S = tempo / 60 / rate for a beat phase)
+//   expect-varying FILE [--min-distinct K]
+//       every channel holds at least K different values (default 2): a reference that a comparison
+//       can only match by doing something
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 #include "HostTool.h"
@@ -191,6 +196,28 @@ int ExpectRamp(const std::vector<std::string>& args) {
     }
     std::printf("%s channel %s: rises %.9g per frame over %zu frames, %zu wraps\n", path.c_str(),
                 a.positional[1].c_str(), step, x.size(), wraps);
+    return 0;
+}
+
+int ExpectVarying(const std::vector<std::string>& args) {
+    const Arguments a(args, {});
+    if (a.positional.size() != 1) throw std::runtime_error("usage: expect-varying FILE [--min-distinct K]");
+    const Audio audio = ReadAudio(a.positional[0]);
+    const size_t wanted = size_t(a.Number("--min-distinct", 2));
+    if (audio.Frames() == 0) return Fail("holds no frames", a.positional[0]);
+    for (size_t c = 0; c < audio.channels.size(); ++c) {
+        const std::vector<float>& x = audio.channels[c];
+        std::set<float> values;
+        for (size_t i = 0; i < x.size() && values.size() < wanted; ++i)
+            values.insert(x[i]);
+        const auto [low, high] = std::minmax_element(x.begin(), x.end());
+        if (values.size() < wanted)
+            return Fail("channel %g holds only %g different values, from %.9g", a.positional[0],
+                        double(c + 1), double(values.size()), double(*low)) |
+                   Fail("expected at least %g", a.positional[0], double(wanted));
+        std::printf("%s channel %zu: at least %zu values, from %.9g to %.9g\n", a.positional[0].c_str(),
+                    c + 1, wanted, double(*low), double(*high));
+    }
     return 0;
 }
 
