@@ -36,9 +36,13 @@ void DriverTransport::GetBarBeatPosition(int32_t& bars, int32_t& beats, int64_t&
     const int64_t barTicks =
         std::max<int64_t>(1, std::llround(double(numerator) * 4.0 * double(kTicksPerQuarter) / denominator));
     const int64_t ticks = GetCustomTickPosition(sampleLocation);
+    // Division and remainder only: a position from an absurd tempo must not overflow.
     int64_t bar = ticks / barTicks;
-    if (ticks % barTicks < 0) --bar;
-    const int64_t intoBar = ticks - bar * barTicks;
+    int64_t intoBar = ticks % barTicks;
+    if (intoBar < 0) {
+        --bar;
+        intoBar += barTicks;
+    }
     bars = int32_t(bar + 1);
     beats = int32_t(intoBar / kTicksPerQuarter) + 1;
     displayTicks = intoBar % kTicksPerQuarter;
