@@ -8,6 +8,7 @@
 #include "InfoCommands.h"
 #include "PatchJob.h"
 #include "RenderJob.h"
+#include "remote/RemoteServices.h"
 
 namespace {
 
@@ -78,6 +79,8 @@ int Dispatch(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Every module the command makes gets its OSC server and Lua helper.
+    BR::InstallRemoteServices();
     try {
         return Dispatch(argc, argv);
     } catch (const BR::InputError& e) {
