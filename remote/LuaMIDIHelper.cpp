@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <lua.hpp>
 
 #include "OSCHelper.h"
@@ -148,7 +149,18 @@ void LuaMIDIHelper::LoadScripts() {
         }
     }
     for (const std::string& file : files) {
-        if (luaL_loadfile(L, file.c_str()) != 0 || lua_pcall(L, 0, 0, 0) != 0) {
+        // The chunk is named by the file's own name, so that an error reads "b.lua:2: ..." however
+        // deep the folder lies (Lua shortens long chunk names from the front).
+        std::ifstream stream(file, std::ios::binary);
+        const std::string source((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+        const std::string chunkName = "@" + std::filesystem::path(file).filename().string();
+        if (!stream.good() && !stream.eof()) {
+            std::snprintf(text, sizeof text, "failed to run file: cannot read %s\n", file.c_str());
+            LogError(text);
+            continue;
+        }
+        if (luaL_loadbuffer(L, source.data(), source.size(), chunkName.c_str()) != 0 ||
+            lua_pcall(L, 0, 0, 0) != 0) {
             const char* message = lua_tostring(L, -1);
             std::snprintf(text, sizeof text, "failed to run file: %s\n", message ? message : file.c_str());
             LogError(text);

@@ -53,18 +53,25 @@ inline bool WaitListening(HostDriver& driver, int32_t port) {
     return WaitFor([&] { return osc->ActivePort() == port; });
 }
 
-// Runs a chunk in the module's Lua state; returns "" or the error text.
+// Runs a chunk in the module's Lua state; returns "" or the error text, without the place
+// ("[string \"...\"]:1: ") that Lua puts in front.
 inline std::string RunLua(HostDriver& driver, const std::string& chunk) {
     lua_State* L = LuaHelperOf(driver.Module())->GetLuaState();
     std::lock_guard<std::recursive_mutex> guard(LuaHelperOf(driver.Module())->LuaLock());
     if (luaL_dostring(L, chunk.c_str()) == 0) return "";
     std::string error = lua_tostring(L, -1);
     lua_pop(L, 1);
+    if (error.rfind("[string ", 0) == 0) {
+        const size_t place = error.find("]:");
+        const size_t text = place == std::string::npos ? place : error.find(": ", place);
+        if (text != std::string::npos) error = error.substr(text + 2);
+    }
     return error;
 }
 
 inline double LuaNumber(HostDriver& driver, const std::string& global) {
     lua_State* L = LuaHelperOf(driver.Module())->GetLuaState();
+    std::lock_guard<std::recursive_mutex> guard(LuaHelperOf(driver.Module())->LuaLock());
     lua_getglobal(L, global.c_str());
     const double value = lua_tonumber(L, -1);
     lua_pop(L, 1);
