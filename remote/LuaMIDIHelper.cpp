@@ -180,12 +180,10 @@ void LuaMIDIHelper::AddKeyedCallback(KeyedList list, int32_t key, int ref) {
 }
 
 void LuaMIDIHelper::RunList(const std::vector<int>& refs, int numArgs, const int32_t* args) {
+    // The caller holds luaLock. The length is read on every round: a callback that adds to this
+    // list is called in this same round.
     lua_State* L = luaState;
-    // The length is read on every round: a callback that adds to this list is called in this round.
     for (size_t i = 0; i < refs.size(); ++i) {
-        // The lock covers fetching and pushing as well as the call, so that a timer or an OSC path
-        // on another thread cannot disturb the stack between them.
-        std::lock_guard<std::recursive_mutex> guard(luaLock);
         lua_rawgeti(L, LUA_REGISTRYINDEX, refs[i]);
         for (int a = 0; a < numArgs; ++a)
             lua_pushnumber(L, args[a]);
@@ -200,6 +198,7 @@ void LuaMIDIHelper::RunKeyed(KeyedList list, int32_t key, int numArgs, const int
 
 void LuaMIDIHelper::NoteOn(int32_t channel, int32_t note, int32_t velocity) {
     if (!hasCallbacks.load(std::memory_order_relaxed) || !luaState) return;
+    std::lock_guard<std::recursive_mutex> guard(luaLock);
     const int32_t args[3] = {channel + 1, note, velocity};
     RunList(lists[kAllNoteOn], 3, args);
     RunKeyed(kNoteOnKey, note, 3, args);
@@ -207,6 +206,7 @@ void LuaMIDIHelper::NoteOn(int32_t channel, int32_t note, int32_t velocity) {
 
 void LuaMIDIHelper::NoteOff(int32_t channel, int32_t note, int32_t velocity) {
     if (!hasCallbacks.load(std::memory_order_relaxed) || !luaState) return;
+    std::lock_guard<std::recursive_mutex> guard(luaLock);
     const int32_t args[3] = {channel + 1, note, velocity};
     RunList(lists[kAllNoteOff], 3, args);
     RunKeyed(kNoteOffKey, note, 3, args);
@@ -214,6 +214,8 @@ void LuaMIDIHelper::NoteOff(int32_t channel, int32_t note, int32_t velocity) {
 
 void LuaMIDIHelper::ControlChange(int32_t channel, int32_t controller, int32_t value) {
     if (!hasCallbacks.load(std::memory_order_relaxed) || !luaState) return;
+    // One lock for the whole event: the lists are read here while a timer's script may add to them.
+    std::lock_guard<std::recursive_mutex> guard(luaLock);
     // One NRPN state for all channels.
     bool nrpnData = false;
     switch (controller) {
@@ -247,22 +249,26 @@ void LuaMIDIHelper::ControlChange(int32_t channel, int32_t controller, int32_t v
 
 void LuaMIDIHelper::PitchWheel(int32_t channel, int32_t lsb, int32_t msb) {
     if (!hasCallbacks.load(std::memory_order_relaxed) || !luaState) return;
+    std::lock_guard<std::recursive_mutex> guard(luaLock);
     const int32_t args[2] = {channel + 1, msb * 128 + lsb};
     RunList(lists[kPitchWheel], 2, args);
 }
 
 void LuaMIDIHelper::ProgramChange(int32_t channel, int32_t program) {
+    std::lock_guard<std::recursive_mutex> guard(luaLock);
     const int32_t args[2] = {channel + 1, program};
     RunList(lists[kAllProgramChange], 2, args);
     RunKeyed(kProgramChangeKey, program, 2, args);
 }
 
 void LuaMIDIHelper::ChannelPressure(int32_t channel, int32_t pressure) {
+    std::lock_guard<std::recursive_mutex> guard(luaLock);
     const int32_t args[2] = {channel + 1, pressure};
     RunList(lists[kChannelPressure], 2, args);
 }
 
 void LuaMIDIHelper::PolyPressure(int32_t channel, int32_t note, int32_t pressure) {
+    std::lock_guard<std::recursive_mutex> guard(luaLock);
     const int32_t args[3] = {channel + 1, note, pressure};
     RunList(lists[kAllPolyPressure], 3, args);
     RunKeyed(kPolyPressureKey, note, 3, args);

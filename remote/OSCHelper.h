@@ -90,6 +90,8 @@ public:
     size_t NumUpdateClients(int32_t id) const;
     std::string MessageHistory(int index) const;
     int32_t MessageHistoryIndex() const { return messageHistoryIndex; }
+    // Messages taken from the socket so far, bundle elements included.
+    uint64_t NumMessages() const { return numMessages.load(std::memory_order_acquire); }
     BrelCorvaneBase* Owner() const { return owner; }
     LuaMIDIHelper* LuaHelper() const { return luaHelper; }
 
@@ -147,6 +149,7 @@ private:
     std::multimap<std::string, int> functionPaths;
     std::string messageHistory[kHistorySize];
     int32_t messageHistoryIndex = 0;
+    std::atomic<uint64_t> numMessages{0};
 };
 
 }  // namespace BR

@@ -143,6 +143,7 @@ void OSCHelper::ProcessMessage(const osc::ReceivedMessage& message, const IpEndp
         std::printf("error while parsing message: %s: %s\n", address, e.what());
         std::fflush(stdout);
     }
+    numMessages.fetch_add(1, std::memory_order_release);
 }
 
 void OSCHelper::Dispatch(const osc::ReceivedMessage& message, const IpEndpointName& remoteEndpoint) {

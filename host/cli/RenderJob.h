@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "RemoteOptions.h"
 #include "RenderPieces.h"
 #include "host/HostDriver.h"
 
@@ -27,6 +28,8 @@ struct RenderJob {
     std::string calibrationOut;  // the calibration table saved after the render
     std::string outputPath;
     TransportSettings transport;
+    std::vector<std::string> scripts;  // user scripts run after the per-user folder's
+    RemoteSettings remote;
 };
 
 // Parses "render STEM [options]" from argv[first] on; throws UsageError.

@@ -22,7 +22,9 @@ const char* kUsage =
     "      --state-in FILE  --state-out FILE  --calibration-in FILE  --calibration-out FILE\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
-    "  patch FILE.json           render several instances together, one WAV each\n"
+    "      --realtime  --script FILE.lua...  --osc-base-port N\n"
+    "  patch FILE.json [--realtime] [--osc-base-port N]\n"
+    "                            render several instances together, one WAV each\n"
     "  bench [--seconds S] [--block N]   real-time factor of every module\n";
 
 int Dispatch(int argc, char** argv) {
@@ -47,9 +49,15 @@ int Dispatch(int argc, char** argv) {
         return 0;
     }
     if (command == "patch") {
-        if (argc != 3) throw BR::UsageError("patch needs exactly one patch file");
+        if (argc < 3 || argv[2][0] == '-') throw BR::UsageError("patch needs exactly one patch file");
+        BR::RemoteSettings remote;
+        BR::ArgumentCursor cursor(argc, argv, 3);
+        std::string option;
+        while (cursor.Next(option))
+            if (!BR::ParseRemoteOption(option, cursor, remote))
+                throw BR::UsageError("patch: unknown option \"" + option + "\"");
         const BR::Patch patch = BR::ParsePatch(argv[2]);
-        const int64_t frames = BR::RunPatch(patch);
+        const int64_t frames = BR::RunPatch(patch, BR::BuiltModules(), remote);
         for (const BR::PatchInstance& instance : patch.instances)
             std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames,
                          instance.outPath.c_str());
