@@ -26,7 +26,8 @@ int AddScale(lua_State* L) {
         lua_rawgeti(L, 2, i);
         const int degree = int(lua_tonumber(L, -1));
         lua_pop(L, 1);
-        if (degree >= 1 && degree <= 32) mask |= uint32_t(1) << (degree - 1);
+        // The shift counts modulo 32, as the processor's does; the 16-bit cut drops the rest.
+        mask |= uint32_t(1) << ((degree - 1) & 31);
     }
     Helper(L)->Owner()->AddScale(name, mask & 0xFFFF);
     return 0;

@@ -37,8 +37,11 @@ TEST(LuaScales, EmptyDegreeTableMakesAnEmptyMask) {
     ScaleModule module;
     module.scales.clear();
     lua_State* L = BR::LuaHelperOf(module)->GetLuaState();
-    ASSERT_EQ(luaL_dostring(L, "addScale('x', {}) addScale('top', { 16, 12 }) addScale('wide', { 17, 1 })"),
+    ASSERT_EQ(luaL_dostring(L,
+                            "addScale('x', {}) addScale('top', { 16, 12 }) addScale('wide', { 17, 1 }) "
+                            "addScale('wrapped', { 33 })"),
               0);
-    const std::vector<std::pair<std::string, uint32_t>> expected = {{"x", 0}, {"top", 0x8800}, {"wide", 0x1}};
+    const std::vector<std::pair<std::string, uint32_t>> expected = {
+        {"x", 0}, {"top", 0x8800}, {"wide", 0x1}, {"wrapped", 0x1}};
     EXPECT_EQ(module.scales, expected);
 }
