@@ -14,7 +14,7 @@ TEST(OSCServer, OffsetZeroAtStartOpensNoSocketWhileTheThreadsWait) {
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_EQ(osc->RequestedPort(), 0);
     EXPECT_EQ(osc->ActivePort(), 0);
-    for (int port = 17000; port <= 17100; ++port)
+    for (int port = 17000; port <= 17009; ++port)  // the ports this test owns
         EXPECT_EQ(BoundAddressOf(port), "") << port;
     // Offset 1 opens base + 1; back to 0 closes it again.
     driver->SetParameterByName("OSC Port Offset", 1);

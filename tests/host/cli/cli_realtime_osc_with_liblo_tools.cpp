@@ -25,8 +25,7 @@ std::string Section(const std::string& text, const std::string& name) {
 
 TEST(CliRealtimeOSC, LibloToolsDriveALivePatch) {
     const std::string work = BR::Test::MakeTempFolder();
-    const std::string script =
-        std::string(std::getenv("CORVANE_SOURCE_DIR")) + "/tests/host/cli/osc_liblo_session.sh";
+    const std::string script = std::string(CORVANE_TEST_SOURCE_DIR) + "/tests/host/cli/osc_liblo_session.sh";
     const std::string command = "XDG_CONFIG_HOME='" + work + "' XDG_DATA_HOME='" + work + "' bash '" +
                                 script + "' \"$CORVANE_BINARY\" 17600 '" + work + "' > '" + work +
                                 "/session.log' 2>&1";
