@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "modules/hardware/ArdentController.h"
 #include "modules/sequencing/StepLFO.h"
 #include "modules/sequencing/Sync.h"
 #include "modules/sequencing/Trigger.h"
@@ -21,6 +22,7 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     // clang-format off
+    {"ardentcontroller", &BrelCorvaneArdentController::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
