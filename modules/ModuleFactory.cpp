@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "modules/hardware/ArdentController.h"
+#include "modules/hardware/BasaltController.h"
 #include "modules/sequencing/StepLFO.h"
 #include "modules/sequencing/Sync.h"
 #include "modules/sequencing/Trigger.h"
@@ -23,6 +24,7 @@ struct FactoryRow {
 const FactoryRow kFactories[] = {
     // clang-format off
     {"ardentcontroller", &BrelCorvaneArdentController::Create},
+    {"basaltcontroller", &BrelCorvaneBasaltController::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},

@@ -6,7 +6,7 @@
 #include "tests/modules/hardware/GateRig.h"
 
 TEST(GateDontPanic, PropertyDropsAllGatesAndSendsAllSoundOff) {
-    for (const char* stem : {"ardentcontroller"}) {
+    for (const char* stem : {"ardentcontroller", "basaltcontroller"}) {
         auto driver = BR::Test::MakeGateDriver(stem, 44100.0f);
         BrelCorvaneBase& module = driver->Module();
         uint32_t size = 0;

@@ -2,8 +2,8 @@
 // six sample rates: start and clock from the transport, a note on and off from the host, system
 // exclusive typed in with "Send" (head and tail in two presses) and passed from the host, the stop,
 // and a restart on a bar line with song position. Every byte is recovered with its start bit on the
-// sample it was queued at, later bytes of a group one byte length (15, 16, 29, 31, 58 or 62 samples)
-// apart, and clocks every 2.5 * rate / tempo samples.
+// sample it was queued at, later bytes of a group one byte length (15, 16, 29, 31, 58 or 62 samples;
+// 15, 16, 30, 32, 60 or 64 for the six-byte expander) apart, and clocks every 2.5 * rate / tempo samples.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,8 +22,8 @@ uint32_t On64(double x) {
     return uint32_t(std::lround(x / 64.0)) * 64;
 }
 
-void Check(float rate, int bytesLength, double tempo) {
-    auto driver = BR::Test::MakeGateDriver("ardentcontroller", rate);
+void Check(const char* stem, float rate, int bytesLength, double tempo) {
+    auto driver = BR::Test::MakeGateDriver(stem, rate);
     driver->SetParameterByName("MIDI Out MIDI Channel", 17.0f);
     driver->SetParameterByName("MIDI Out Clock", 1.0f);
     driver->SetParameterByName("MIDI Out Output", 21.0f);  // "Gates 3/6"
@@ -92,7 +92,7 @@ void Check(float rate, int bytesLength, double tempo) {
                   return a.startSample < b.startSample;
               });
 
-    const auto frames = BR::Test::Frames(left, right, false);
+    const auto frames = BR::Test::Frames(left, right, std::string(stem) == "basaltcontroller");
     int framingErrors = 0;
     const auto received = BR::Test::ReceiveSerial(BR::Test::GateLine(frames, 21), rate, &framingErrors);
     EXPECT_EQ(framingErrors, 0) << rate;
@@ -109,10 +109,20 @@ void Check(float rate, int bytesLength, double tempo) {
 
 TEST(GateSerial, StreamAtEachRate) {
     // Tempos that make a clock a whole number of samples: 122.5 BPM in the 44100 family.
-    Check(44100.0f, 15, 122.5);
-    Check(48000.0f, 16, 120.0);
-    Check(88200.0f, 29, 122.5);
-    Check(96000.0f, 31, 120.0);
-    Check(176400.0f, 58, 122.5);
-    Check(192000.0f, 62, 120.0);
+    Check("ardentcontroller", 44100.0f, 15, 122.5);
+    Check("ardentcontroller", 48000.0f, 16, 120.0);
+    Check("ardentcontroller", 88200.0f, 29, 122.5);
+    Check("ardentcontroller", 96000.0f, 31, 120.0);
+    Check("ardentcontroller", 176400.0f, 58, 122.5);
+    Check("ardentcontroller", 192000.0f, 62, 120.0);
+}
+
+TEST(GateSerial, SixByteStreamHoldsTheBaseRatePattern) {
+    // The six-byte expander keeps the 44100 or 48000 pattern, held two or four times as long.
+    Check("basaltcontroller", 44100.0f, 15, 122.5);
+    Check("basaltcontroller", 48000.0f, 16, 120.0);
+    Check("basaltcontroller", 88200.0f, 30, 122.5);
+    Check("basaltcontroller", 96000.0f, 32, 120.0);
+    Check("basaltcontroller", 176400.0f, 60, 122.5);
+    Check("basaltcontroller", 192000.0f, 64, 120.0);
 }

@@ -1,6 +1,6 @@
-// Every output sample of the test signals, in both interface categories, is its 24-bit word exactly:
-// each frame read back by the decoder holds the bytes the signal's counter gives, and its samples are
-// the words divided by the category's full scale. "Cat B" with byte 0x7F in b1 is 0x7F0000 / 8388480.
+// Every output sample of both controllers' test signals, in both interface categories, is its 24-bit word
+// exactly: each frame read back by the decoder holds the bytes the signal's counter gives, and its samples
+// are the words divided by the category's full scale. "Cat B" with byte 0x7F in b1 is 0x7F0000 / 8388480.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -87,6 +87,12 @@ TEST(HardwareWords, ArdentTestSignalsInBothCategories) {
         // Signal 5: the right word is a 20-bit ramp over its top 20 bits, every value once.
         CheckSignal("ardentcontroller", 5, category, 0x100000 + 3);
     }
+}
+
+TEST(HardwareWords, BasaltTestSignalsInBothCategories) {
+    for (int category : {0, 1})
+        for (int signal = 1; signal <= 4; ++signal)
+            CheckSignal("basaltcontroller", signal, category, 0x20000 + 17);
 }
 
 TEST(HardwareWords, EveryWordConvertsBackExactly) {
