@@ -7,11 +7,12 @@
 
 namespace {
 
+constexpr double kClockLimit = 1073741824.0;
+
 // A clock number from a position in clocks; far-off or undefined positions stay inside 32 bits.
 int32_t ClockNumber(double x) {
-    constexpr double kLimit = 1073741824.0;
-    if (!(x > -kLimit)) return x != x ? 0 : int32_t(-kLimit);
-    return int32_t(std::min(x, kLimit));
+    if (!(x > -kClockLimit)) return x != x ? 0 : int32_t(-kClockLimit);
+    return int32_t(std::min(x, kClockLimit));
 }
 
 }  // namespace
@@ -162,8 +163,11 @@ void BrelGateControllerBase::Tick() {
 void BrelGateControllerBase::ProcessBlock(float** inputs, float** outputs, uint32_t frames) {
     RefreshMidiSettings();
     nextSample = kNever;
-    if (clockOn && tempo != 0.0 && playing) {
-        clockNow = double(clockOffset) * tempo * 0.4 + beatPosition * 24.0;
+    clockNow = double(clockOffset) * tempo * 0.4 + beatPosition * 24.0;
+    // Clock numbers are 32-bit: a position beyond them (tens of millions of bars) runs no clock
+    // rather than a wrong one.
+    const bool inRange = std::fabs(clockNow) < kClockLimit;
+    if (clockOn && tempo != 0.0 && playing && inRange) {
         perClock = double(sampleRate) * 2.5 / tempo;
         const double logical = swingOn ? SwingForward(clockNow) : clockNow;
         next = ClockNumber(std::ceil(logical));
