@@ -135,12 +135,6 @@ void BrelGateControllerBase::BeginSlice(uint32_t, uint32_t) {
     for (int32_t p = 0; p < BR::kNumSerialPorts; ++p)
         portGateBit[p] = std::clamp(midiOutGate + p, 0, lastBit);
 
-    const float s = GetTableValue(rows.swing);
-    swingOn = std::fabs(s - 50.0f) > 0.1f;
-    if (swingOn) {
-        swingAmount = std::clamp(s * 0.01f, 0.05f, 0.95f);
-        swingPeriod = GetTableValue(rows.swingType) == 1.0f ? 24.0 : 12.0;
-    }
     ReadEncoderSettings();
 }
 
@@ -148,6 +142,12 @@ void BrelGateControllerBase::ReadClockSettings() {
     clockOn = GetTableValue(rows.midiOutClock) != 0.0f;
     if (clockOn) sppOn = GetTableValue(rows.useSPP) != 0.0f;
     clockOffset = GetTableValue(rows.clockOffset) * 0.001f;
+    const float s = GetTableValue(rows.swing);
+    swingOn = std::fabs(s - 50.0f) > 0.1f;
+    if (swingOn) {
+        swingAmount = std::clamp(s * 0.01f, 0.05f, 0.95f);
+        swingPeriod = GetTableValue(rows.swingType) == 1.0f ? 24.0 : 12.0;
+    }
 }
 
 void BrelGateControllerBase::ReadEncoderSettings() {

@@ -124,7 +124,7 @@ public:
 protected:
     // Encoder settings that both controllers read in each slice.
     void ReadEncoderSettings();
-    // "MIDI Out Clock", "Use MIDI SPP" and "MIDI Clock Offset".
+    // "MIDI Out Clock", "Use MIDI SPP", "MIDI Clock Offset" and the swing.
     void ReadClockSettings();
     // Stores the last frame's bytes for the display.
     void StoreFrameBytes(const uint8_t* bytes) {

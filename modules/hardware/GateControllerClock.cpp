@@ -53,8 +53,8 @@ bool BrelGateControllerBase::BeginBlock(uint32_t frames) {
     BrelCorvaneBase::BeginBlock(frames);
     // A block of no length moves nothing on; read as a transport it would look like a loop wrap.
     if (frames == 0) return true;
-    // The clock's settings as they stand at the block's start, so that a transport starting in the
-    // first block after the module was set up already knows whether the clock runs.
+    // The clock's settings as they stand at the block's start, so that the first block after the
+    // module was set up already knows whether the clock runs and how it swings.
     ReadClockSettings();
     const uint8_t wasPlaying = playing;
     const double oldBeat = beatPosition;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <ostream>
 #include <vector>
 
 namespace BR::Test {
@@ -72,6 +73,10 @@ struct ReceivedByte {
     uint8_t value;
     bool operator==(const ReceivedByte& o) const { return startSample == o.startSample && value == o.value; }
 };
+
+inline void PrintTo(const ReceivedByte& b, std::ostream* os) {
+    *os << "{" << b.startSample << ", 0x" << std::hex << int(b.value) << std::dec << "}";
+}
 
 // A MIDI receiver on a gate line. A set gate is current in the loop, a "0"; the line idles clear. A
 // start bit is the first set sample; each later bit is read at its middle, bit k at the start plus
