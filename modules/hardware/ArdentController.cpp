@@ -199,8 +199,7 @@ void BrelCorvane::InitModule() {
     BrelGateControllerBase::InitModule();
 }
 
-void BrelCorvane::BeginSlice(uint32_t frames, uint32_t reserved) {
-    BrelGateControllerBase::BeginSlice(frames, reserved);
+void BrelCorvane::ReadModuleSliceSettings() {
     for (int32_t b = 0; b < kNumBytes; ++b) {
         inputSelect[b] = int32_t(GetTableValue(kInput1 + b)) - 1;
         inputBipolar[b] = int32_t(GetTableValue(kInputMode1 + b));

@@ -46,7 +46,6 @@ public:
 
     int32_t GetParameterValueStrings(int32_t tableIndex, BR::CountedTextList** out) override;
     void InitModule() override;
-    void BeginSlice(uint32_t frames, uint32_t reserved) override;
     uint32_t GetParameterFlags(int32_t tableIndex) override;
     int32_t GetParameterDisplayString(BR::DisplayStringRequest& request) override;
     const char* GetModuleName() const override { return "Corvane Ardent Controller"; }
@@ -56,6 +55,7 @@ public:
     int32_t TestCounter() const { return testCounter; }
 
 private:
+    void ReadModuleSliceSettings() override;
     // The five bytes of the slice before the inputs, gates and serial lines are added.
     void SliceBase(int32_t* base) const;
     void RenderTestSignal(int32_t signal, float* left, float* right, uint32_t frames, float fullScale);

@@ -94,6 +94,7 @@ void BrelGateControllerBase::InitModule() {
     startPending = stopPending = tickPending = 0;
     lastTick = firstTick = sppBeats = 0;
     sendPressed = 0;
+    sliceSettingsRead = midiSettingsRead = false;
     next = 0;
     nextSample = kNever;
     clockNow = perClock = 0.0;
@@ -122,20 +123,25 @@ void BrelGateControllerBase::BeginSlice(uint32_t, uint32_t) {
     }
     sendPressed = pressed;
 
+    // The count is taken before the rows are read, so a change that lands meanwhile is read again.
+    const uint32_t changes = numChanges.load();
+    if (sliceSettingsRead && changes == sliceChanges && sampleRate == sliceRate) return;
+    sliceSettingsRead = true;
+    sliceChanges = changes;
+    sliceRate = sampleRate;
     for (int32_t c = 0; c < rows.numNoteChannels; ++c) {
         channels[c].gateOutput = Whole(GetTableValue(rows.noteChannel[c] + 3));
         channels[c].velOutput = Whole(GetTableValue(rows.noteChannel[c] + 4));
     }
     midiOutGate = Whole(GetTableValue(rows.midiOutOutput));
     ReadClockSettings();
-
     rateClass = BR::RateClassOf(sampleRate);
     symbolTable = BR::GetSymbolTable(rows.timing, rateClass);
     const int32_t lastBit = rows.numBytes * 8 - 1;
     for (int32_t p = 0; p < BR::kNumSerialPorts; ++p)
         portGateBit[p] = std::clamp(midiOutGate + p, 0, lastBit);
-
     ReadEncoderSettings();
+    ReadModuleSliceSettings();
 }
 
 void BrelGateControllerBase::ReadClockSettings() {
@@ -158,6 +164,11 @@ void BrelGateControllerBase::ReadEncoderSettings() {
 }
 
 void BrelGateControllerBase::RefreshMidiSettings() {
+    const uint32_t changes = numChanges.load();
+    if (midiSettingsRead && changes == midiChanges && sampleRate == midiRate) return;
+    midiSettingsRead = true;
+    midiChanges = changes;
+    midiRate = sampleRate;
     for (int32_t c = 0; c < rows.numNoteChannels; ++c) {
         NoteChannel& ch = channels[c];
         const int32_t row = rows.noteChannel[c];

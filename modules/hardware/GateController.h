@@ -124,6 +124,8 @@ public:
 protected:
     // Encoder settings that both controllers read in each slice.
     void ReadEncoderSettings();
+    // The controller's own slice settings, read with the shared ones.
+    virtual void ReadModuleSliceSettings() {}
     // "MIDI Out Clock", "Use MIDI SPP", "MIDI Clock Offset" and the swing.
     void ReadClockSettings();
     // Stores the last frame's bytes for the display.
@@ -196,4 +198,10 @@ private:
     int32_t next = 0;
     uint32_t nextSample = kNever;
     double clockNow = 0.0, perClock = 0.0;
+    // Parameter change count and rate that the settings were last read at: the many rows of a
+    // refresh are read again only when one of them may have changed. Slices and MIDI items can be a
+    // sample apart, so this keeps their cost small; what a change does is the same.
+    bool sliceSettingsRead = false, midiSettingsRead = false;
+    uint32_t sliceChanges = 0, midiChanges = 0;
+    float sliceRate = 0.0f, midiRate = 0.0f;
 };
