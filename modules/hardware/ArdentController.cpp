@@ -245,14 +245,18 @@ void BrelCorvane::EncodeSlice(float** inputs, float** outputs, uint32_t frames) 
     if (signal != 0) {
         RenderTestSignal(signal, left, right, frames, fullScale);
     } else {
+        // Bytes whose input is off equal their base; only the others read a sample.
         const float* source[kNumBytes];
         float scale[kNumBytes], offset[kNumBytes];
+        int32_t level[kNumBytes];
+        int32_t numLevels = 0;
         for (int32_t b = 0; b < kNumBytes; ++b) {
             const int32_t sel = inputSelect[b];
-            const bool on = sel >= 0 && sel < 8;
-            source[b] = on ? inputs[sel] : silence;
-            scale[b] = !on ? 0.0f : inputBipolar[b] ? 127.0f : 255.0f;
-            offset[b] = !on ? 0.0f : inputBipolar[b] ? 128.5f : 0.5f;
+            if (sel < 0 || sel >= 8) continue;
+            source[numLevels] = inputs[sel];
+            scale[numLevels] = inputBipolar[b] ? 127.0f : 255.0f;
+            offset[numLevels] = inputBipolar[b] ? 128.5f : 0.5f;
+            level[numLevels++] = b;
         }
         const float* gateSource[8];
         int32_t gateBit[8];
@@ -267,12 +271,18 @@ void BrelCorvane::EncodeSlice(float** inputs, float** outputs, uint32_t frames) 
         const float* thruR = thru ? inputs[2 * thruPair + 1] : silence;
         int32_t base[kNumBytes];
         SliceBase(base);
+        uint8_t byteBase[kNumBytes];
+        for (int32_t b = 0; b < kNumBytes; ++b)
+            byteBase[b] = uint8_t(base[b]);
 
         int32_t wordL = 0, wordR = 0;
         for (uint32_t i = 0; i < frames; ++i) {
             uint8_t frame[kNumBytes];
-            for (int32_t b = 0; b < kNumBytes; ++b)
-                frame[b] = ClampByte(Truncate(scale[b] * source[b][i] + offset[b]) + base[b]);
+            std::copy(byteBase, byteBase + kNumBytes, frame);
+            for (int32_t k = 0; k < numLevels; ++k) {
+                const int32_t b = level[k];
+                frame[b] = ClampByte(Truncate(scale[k] * source[k][i] + offset[k]) + base[b]);
+            }
             for (int32_t k = 0; k < numGates; ++k)
                 if (gateSource[k][i] > 0.0f) BR::SetGateBit(frame, gateBit[k]);
             SerialStep(frame);
