@@ -161,6 +161,9 @@ void BrelGateControllerBase::Tick() {
 }
 
 void BrelGateControllerBase::ProcessBlock(float** inputs, float** outputs, uint32_t frames) {
+    // A block of no length renders nothing and leaves its MIDI queued for the next, as the base
+    // does; placing a clock in it could only mark a tick as due at its end.
+    if (frames == 0) return;
     RefreshMidiSettings();
     nextSample = kNever;
     clockNow = double(clockOffset) * tempo * 0.4 + beatPosition * 24.0;
