@@ -2,6 +2,7 @@
 #include "CalibrationOptions.h"
 
 #include "CommandLine.h"
+#include "InputLimits.h"
 #include "modules/sequencing/CalibrationFile.h"
 
 namespace BR {
@@ -16,6 +17,11 @@ void RequireTable(HostDriver& driver, const std::string& what) {
 
 void LoadCalibrationOption(HostDriver& driver, const std::string& path, const std::string& what) {
     RequireTable(driver, what);
+    try {
+        CheckFileSize(path, kMaxCalibrationFileBytes, "calibration files");
+    } catch (const std::runtime_error& e) {
+        throw InputError(what + ": " + e.what());
+    }
     const std::string error = LoadModuleCalibration(driver.Module(), path);
     if (!error.empty()) throw InputError(what + ": \"" + path + "\": " + error);
 }

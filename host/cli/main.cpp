@@ -77,7 +77,8 @@ int Dispatch(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+// The whole command, entered by main() and, in-process, by tests that drive it with many inputs.
+int CorvaneMain(int argc, char** argv) {
     try {
         return Dispatch(argc, argv);
     } catch (const BR::InputError& e) {
@@ -91,3 +92,9 @@ int main(int argc, char** argv) {
         return 1;
     }
 }
+
+#ifndef CORVANE_CLI_NO_MAIN
+int main(int argc, char** argv) {
+    return CorvaneMain(argc, argv);
+}
+#endif

@@ -80,7 +80,7 @@ TEST(CliPatchErrors, NameThePlace) {
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "block": 0})",
                   "block: 0 is outside 1..");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "transport": {"tempo": 0}})",
-                  "transport.tempo: must lie above 0");
+                  "transport.tempo: 0 is outside 1..999");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "transport": {"meter": "6-8"}})",
                   "transport.meter: \"6-8\": expected N/D");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "transport": {"loop": [2, 1]}})",
