@@ -132,7 +132,7 @@ private:
         events.push_back({tick, std::move(message)});
     }
     [[noreturn]] void Refuse(const std::string& why) const {
-        throw Fault(why + " (byte " + std::to_string(start) + ")");
+        throw Fault(why + " (at byte " + std::to_string(start) + " of the file)");
     }
 
     Reader track;
@@ -168,7 +168,8 @@ std::vector<TimedBytes> ReadEvents(const std::vector<uint8_t>& bytes, std::vecto
     std::vector<TimedBytes> events;
     uint32_t found = 0;
     while (file.at < file.end) {
-        if (!file.Has(8)) throw Fault("the last chunk is cut short (byte " + std::to_string(file.at) + ")");
+        if (!file.Has(8))
+            throw Fault("the last chunk is cut short (at byte " + std::to_string(file.at) + " of the file)");
         const std::string type(bytes.begin() + std::ptrdiff_t(file.at),
                                bytes.begin() + std::ptrdiff_t(file.at + 4));
         file.at += 4;

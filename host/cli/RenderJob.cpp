@@ -159,7 +159,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
         try {
             input = ReadWav(job.inputPath);
         } catch (const std::runtime_error& e) {
-            throw UsageError(std::string("--in: ") + e.what());
+            throw InputError(std::string("--in: ") + e.what());
         }
         if (input.sampleRate != int(job.sampleRate))
             throw UsageError("--in: \"" + job.inputPath + "\" runs at " + std::to_string(input.sampleRate) +
