@@ -7,13 +7,11 @@
 
 namespace BR {
 
-namespace {
 void RequireTable(HostDriver& driver, const std::string& what) {
     int32_t count = 0;
     if (driver.Module().GetProperty(kPropertyCalibrationCount, &count) != kNoErr || count <= 0)
         throw UsageError(what + ": module \"" + driver.Entry().stem + "\" keeps no calibration table");
 }
-}  // namespace
 
 void LoadCalibrationOption(HostDriver& driver, const std::string& path, const std::string& what) {
     RequireTable(driver, what);

@@ -8,6 +8,9 @@
 
 namespace BR {
 
+// Throws UsageError when the module keeps no calibration table: checked before a render, so that a
+// table that cannot be saved afterwards refuses the render before anything is written.
+void RequireTable(HostDriver& driver, const std::string& what);
 // Throws UsageError when the module keeps no calibration table, InputError with the file's error text.
 // `what` starts each message ("--calibration-in").
 void LoadCalibrationOption(HostDriver& driver, const std::string& path, const std::string& what);

@@ -153,7 +153,10 @@ int64_t RunRenderJob(const RenderJob& job) {
 int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     CheckWritable(job.outputPath, "--out");
     if (!job.stateOut.empty()) CheckWritable(job.stateOut, "--state-out");
-    if (!job.calibrationOut.empty()) CheckWritable(job.calibrationOut, "--calibration-out");
+    if (!job.calibrationOut.empty()) {
+        CheckWritable(job.calibrationOut, "--calibration-out");
+        RequireTable(driver, "--calibration-out");
+    }
     AudioData input;
     if (!job.inputPath.empty()) {
         try {
