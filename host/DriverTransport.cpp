@@ -81,8 +81,8 @@ int64_t DriverTransport::FramesUntilLoopEnd() const {
 void DriverTransport::Advance(uint32_t frames) {
     if (!playing) return;
     const int64_t untilEnd = FramesUntilLoopEnd();
-    blockQuarter = QuarterAt(blockSampleLocation + frames);
     blockSampleLocation = SaturatingAdd(blockSampleLocation, int64_t(frames));
+    blockQuarter += double(frames) * (tempo / 60.0 / sampleRate);  // as QuarterAt moves it
     if (untilEnd >= 0 && int64_t(frames) >= untilEnd) {
         // The host jumps back by the loop's length: position and timeline both.
         const double length = loopEnd - loopStart;
