@@ -53,9 +53,10 @@ struct ScaleDefinition {
     uint16_t mask;
 };
 
-// What the editor reads from the status block: the note of the grid step each channel is on, or -1.
+// What the editor reads from the status block: one byte per channel, the note of the grid step the
+// channel output last, or -1 (also for a note a byte cannot hold) when there is none to show.
 struct QuantizerStatus {
-    int32_t currentNote[2];
+    int8_t currentNote[2];
 };
 
 // The parameter rows as this instance's own copy: the upper limit of "Scale L" and "Scale R" follows

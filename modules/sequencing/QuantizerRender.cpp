@@ -193,7 +193,8 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
             }
             ch.smoother.Process(y, int(frames));
         }
-        display.currentNote[c] = ch.currentNote;
+        display.currentNote[c] =
+            ch.currentNote >= 0 && ch.currentNote <= 127 ? int8_t(ch.currentNote) : int8_t(-1);
     }
 }
 

@@ -84,3 +84,15 @@ TEST(QuantizerCalibrated, FallingTableIsSearchedInOrder) {
     EXPECT_EQ(out[1], 0.0f);    // 0.1 < 0.5 at i = 1: entry 0
     EXPECT_EQ(BR::Test::Quantizer(*driver).CurrentNote(0), 1);
 }
+
+TEST(QuantizerCalibrated, StatusBlockHoldsTheNoteAsAByte) {
+    auto driver = CalibratedQuantizer(0);
+    BR::Test::SetGrid(*driver, {0.0f, 0.5f}, {100, 200});
+    const auto& status = driver->Module().GetStatusBlock()->As<BrelCorvaneQuantizer::QuantizerStatus>();
+    RenderLeft(*driver, {0.1f});
+    EXPECT_EQ(status.currentNote[0], 100);
+    driver->SetParameterByName("Transpose L", 1);
+    RenderLeft(*driver, {0.1f});
+    EXPECT_EQ(BR::Test::Quantizer(*driver).CurrentNote(0), 200);
+    EXPECT_EQ(status.currentNote[0], -1);  // beyond a byte's notes: nothing to show
+}
