@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "modules/sequencing/Quantizer.h"
 #include "modules/sequencing/StepLFO.h"
 #include "modules/sequencing/Sync.h"
 #include "modules/sequencing/Trigger.h"
@@ -24,6 +25,7 @@ const FactoryRow kFactories[] = {
     {"dc", &BrelCorvaneDC::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
+    {"quantizer", &BrelCorvaneQuantizer::Create},
     {"steplfo", &BrelCorvaneStepLFO::Create},
     {"sync", &BrelCorvaneSync::Create},
     {"trigger", &BrelCorvaneTrigger::Create},

@@ -14,12 +14,20 @@ void RequireTable(HostDriver& driver, const std::string& what) {
 }
 
 void LoadCalibrationOption(HostDriver& driver, const std::string& path, const std::string& what) {
-    RequireTable(driver, what);
     try {
         CheckFileSize(path, kMaxCalibrationFileBytes, "calibration files");
     } catch (const std::runtime_error& e) {
         throw InputError(what + ": " + e.what());
     }
+    // A module that takes a grid (property 64120) reads the file as a Quantizer does.
+    uint32_t size = 0;
+    bool writable = false;
+    if (driver.Module().GetPropertyInfo(kPropertyQuantizerTable, &size, &writable) == kNoErr && writable) {
+        const std::string error = LoadQuantizerCalibration(driver.Module(), path);
+        if (!error.empty()) throw InputError(what + ": \"" + path + "\": " + error);
+        return;
+    }
+    RequireTable(driver, what);
     const std::string error = LoadModuleCalibration(driver.Module(), path);
     if (!error.empty()) throw InputError(what + ": \"" + path + "\": " + error);
 }

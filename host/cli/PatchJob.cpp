@@ -102,6 +102,13 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules) {
                 throw InputError(patch.path + ": " + e.what());
             }
         }
+        for (const PropertySetting& property : instance.properties) {
+            try {
+                ApplyPropertySetting(*driver, property, patch.path + ": " + property.source);
+            } catch (const UsageError& e) {
+                throw InputError(e.what());
+            }
+        }
         if (!instance.calibrationPath.empty())
             LoadCalibrationOption(*driver, instance.calibrationPath,
                                   patch.path + ": " + instance.place + ".calibration");

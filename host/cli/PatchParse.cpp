@@ -1,4 +1,5 @@
 // Reading a patch file: every value is checked where it stands, and a fault names its place.
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -218,6 +219,29 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
             instance.sets.push_back(std::move(setting));
         }
     }
+    if (value.contains("properties")) {
+        const Json& properties = value["properties"];
+        if (!properties.is_array())
+            Fail(place + ".properties", "expected an array of ID numbers and \"ID=VALUE\" texts");
+        for (size_t k = 0; k < properties.size(); ++k) {
+            const std::string at = place + ".properties[" + std::to_string(k) + "]";
+            const Json& item = properties[k];
+            std::string text;
+            if (item.is_number()) {
+                text = std::to_string(Whole(item, at, 0, UINT32_MAX));
+            } else if (item.is_string()) {
+                text = item.get<std::string>();
+            } else {
+                Fail(at, "expected an ID number or an \"ID=VALUE\" text");
+            }
+            try {
+                instance.properties.push_back(ParsePropertySetting(text, "property"));
+            } catch (const UsageError& e) {
+                Fail(at, e.what());
+            }
+            instance.properties.back().source = at;
+        }
+    }
     if (value.contains("midi")) {
         const std::string file = Resolve(Text(value["midi"], place + ".midi"));
         try {
@@ -302,7 +326,8 @@ Patch PatchReader::Read() {
         instance.place = "instances[" + std::to_string(i) + "]";
         const Json& value = instances[i];
         OnlyKeys(value, instance.place,
-                 {"name", "module", "set", "midi", "events", "inputs", "state", "calibration", "out"});
+                 {"name", "module", "set", "properties", "midi", "events", "inputs", "state", "calibration",
+                  "out"});
         if (!value.contains("name")) Fail(instance.place + ".name", "missing");
         instance.name = Text(value["name"], instance.place + ".name");
         if (instance.name.empty()) Fail(instance.place + ".name", "must not be empty");

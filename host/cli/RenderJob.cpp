@@ -126,6 +126,8 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
             job.stateIn = PathValue(cursor, option);
         } else if (option == "--state-out") {
             job.stateOut = PathValue(cursor, option);
+        } else if (option == "--property") {
+            job.properties.push_back(ParsePropertySetting(cursor.Value(option), "--property"));
         } else if (option == "--calibration-in") {
             job.calibrationIn = PathValue(cursor, option);
         } else if (option == "--calibration-out") {
@@ -200,6 +202,8 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     }
     for (const auto& [name, value] : job.sets)
         ApplySetting(driver, name, value);
+    for (const PropertySetting& property : job.properties)
+        ApplyPropertySetting(driver, property, "--property \"" + property.source + "\"");
     if (!job.calibrationIn.empty()) LoadCalibrationOption(driver, job.calibrationIn, "--calibration-in");
 
     const size_t numIn = size_t(driver.NumHostInputs()), numOut = size_t(driver.NumHostOutputs());

@@ -19,6 +19,7 @@ const char* kUsage =
     "      --rate HZ  --block N  --frames N | --seconds S  --set \"NAME=VALUE\"...\n"
     "      --in FILE.wav  --event FRAME:HEXBYTES...  --midi FILE.mid  --out FILE.wav\n"
     "      --state-in FILE  --state-out FILE  --calibration-in FILE  --calibration-out FILE\n"
+    "      --property ID[=VALUE]...\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "  patch FILE.json           render several instances together, one WAV each\n"
