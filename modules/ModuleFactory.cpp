@@ -6,6 +6,7 @@
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
 #include "modules/hardware/SMUX.h"
+#include "modules/sequencing/Quantizer.h"
 #include "modules/sequencing/StepLFO.h"
 #include "modules/sequencing/Sync.h"
 #include "modules/sequencing/Trigger.h"
@@ -29,6 +30,7 @@ const FactoryRow kFactories[] = {
     {"dc", &BrelCorvaneDC::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
+    {"quantizer", &BrelCorvaneQuantizer::Create},
     {"smux", &BrelCorvaneSMUX::Create},
     {"steplfo", &BrelCorvaneStepLFO::Create},
     {"sync", &BrelCorvaneSync::Create},

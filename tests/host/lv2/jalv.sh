@@ -57,6 +57,8 @@ dc              | signal | -                                                    
 Function        | signal | -                                                                       | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
 # Both channels locked to the transport (a beat and half a beat); the input multiplies R
 lfo             | signal | -                                                                       | Sync L=2, Beats L=1, Sine L=1, Triangle L=-0.3, Sync R=2, Beats R=2, Beat Divisor R=3, Saw R=0.5, Square R=0.3, Input Mode R=1
+# Even steps of the input: L offset by a quarter step, R transposed (no smoothing: jalv runs before it records)
+quantizer       | signal | -                                                                       | Enable L=1, Steps L=8, Offset L=25, Enable R=1, Steps R=24, Transpose R=3
 # Inputs 2 and 1 woven into output 1, 3 and 4 into output 2
 smux            | signal | -                                                                       | Flip L=1
 # Steps on the transport (by default), R interpolated, inputs 1 and 4 added

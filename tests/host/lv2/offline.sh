@@ -35,6 +35,8 @@ dc              | varies | 4096 16384     | Output Positive L=0.25, Multiplier L
 Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
 # Free-running waves; the input multiplies R
 lfo             | varies | 4096 16384     | Speed L=3, Sine L=1, Triangle L=-0.3, Speed R=7, Square R=0.4, Pulse Width R=30, Saw R=0.5, Input Mode R=1
+# Even steps: L offset by a quarter step and slewed, R transposed and smoothed
+quantizer       | varies | 4096 16384     | Enable L=1, Steps L=8, Offset L=25, Smoothing L=2, Enable R=1, Steps R=24, Transpose R=3, Smoothing R=-1
 # Inputs 1 and 2 woven into output 1, 4 and 3 into output 2
 smux            | varies | 4096 16384     | Flip R=1
 # Free-running steps, R interpolated, with input 3 added
