@@ -20,6 +20,7 @@ const char* kUsage =
     "      --rate HZ  --block N  --frames N | --seconds S  --set \"NAME=VALUE\"...\n"
     "      --in FILE.wav  --event FRAME:HEXBYTES...  --midi FILE.mid  --out FILE.wav\n"
     "      --state-in FILE  --state-out FILE  --calibration-in FILE  --calibration-out FILE\n"
+    "      --property ID[=VALUE]...\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "      --realtime  --script FILE.lua...  --osc-base-port N\n"
@@ -86,9 +87,8 @@ int Dispatch(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    // Every module the command makes gets its OSC server and Lua helper.
-    BR::InstallRemoteServices();
+// The whole command, entered by main() and, in-process, by tests that drive it with many inputs.
+int CorvaneMain(int argc, char** argv) {
     try {
         return Dispatch(argc, argv);
     } catch (const BR::InputError& e) {
@@ -102,3 +102,12 @@ int main(int argc, char** argv) {
         return 1;
     }
 }
+
+#ifndef CORVANE_CLI_NO_MAIN
+int main(int argc, char** argv) {
+    // Every module the command makes gets its OSC server and Lua helper. Tests that drive the
+    // command in-process run without them.
+    BR::InstallRemoteServices();
+    return CorvaneMain(argc, argv);
+}
+#endif
