@@ -80,4 +80,19 @@ TEST(OSCLua, RegisteredPathsSetParametersAndCallFunctions) {
     EXPECT_EQ(m.GetTableValue(6), -0.5f);  // 0.25 of -1 to 1
     EXPECT_EQ(LuaNumber(*driver, "calls"), 11);
     EXPECT_EQ(LuaNumber(*driver, "fa"), 3);
+
+    // A failing function ends the entries of its address with the text, and the next packet is served.
+    ASSERT_EQ(RunLua(*driver,
+                     "registerOSCPathForFunction('/boom', function() error('no') end)\n"
+                     "registerOSCPathForFunction('/boom', function() after = 1 end)\n"),
+              "");
+    testing::internal::CaptureStdout();
+    client.Send(17211, "/boom", [](osc::OutboundPacketStream& s) { s << 1.0f; });
+    client.Send(17211, "/level", [](osc::OutboundPacketStream& s) { s << "x"; });
+    client.Send(17211, "/ping", [&](osc::OutboundPacketStream& s) { s << client.Client().c_str() << "/p"; });
+    ASSERT_NE(client.Receive(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "error while parsing message: /boom: failed to pcall function\n"
+              "error while parsing message: /level: wrong argument type\n");
+    EXPECT_EQ(LuaNumber(*driver, "after"), 0);
 }
