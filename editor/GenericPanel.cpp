@@ -36,9 +36,11 @@ void BuildGenericPanel(Manager& manager) {
         const ParameterUiInfo& info = manager.ParameterInfo(i);
         std::string name = info.name;
         CountedTextList* names = nullptr;
-        const bool hasNames = info.module && info.module->GetParameterValueStrings(i, &names) == kNoErr && names;
+        const bool hasNames =
+            info.module && info.module->GetParameterValueStrings(i, &names) == kNoErr && names;
         if (names) names->Release();
-        Label* label = new Label(&manager, name.size() > 12 ? name.substr(0, 12) : name, x + kFieldW * 0.5f, y - 3);
+        Label* label =
+            new Label(&manager, name.size() > 12 ? name.substr(0, 12) : name, x + kFieldW * 0.5f, y - 3);
         manager.rootGroup->Add(label);
         if (hasNames) {
             auto* dropDown = new ZPDropDown(&manager, i);

@@ -53,21 +53,30 @@ bool GuiFont::Load(float scale) {
         return true;
     }
     std::string names;
-    for (const FontChoice& choice : choices) names += (names.empty() ? "\"" : ", \"") + choice.name + "\"";
+    for (const FontChoice& choice : choices)
+        names += (names.empty() ? "\"" : ", \"") + choice.name + "\"";
     std::fprintf(stderr, "font not found: %s; text is not drawn\n", names.c_str());
     return false;
 }
 
-void GuiFont::ReleaseGL() { face.reset(); }
+void GuiFont::ReleaseGL() {
+    face.reset();
+}
 
 void GuiFont::Render(const char* text, float x, float y) {
     if (face) face->Render(text, -1, FTPoint(x, y));
 }
 
-float GuiFont::Advance(const char* text) { return face ? face->Advance(text) : 0.0f; }
+float GuiFont::Advance(const char* text) {
+    return face ? face->Advance(text) : 0.0f;
+}
 
-float GuiFont::Descender() const { return face ? face->Descender() : 0.0f; }
+float GuiFont::Descender() const {
+    return face ? face->Descender() : 0.0f;
+}
 
-float GuiFont::Ascender() const { return face ? face->Ascender() : 0.0f; }
+float GuiFont::Ascender() const {
+    return face ? face->Ascender() : 0.0f;
+}
 
 }  // namespace BR

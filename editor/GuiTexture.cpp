@@ -14,8 +14,9 @@ bool DecodePng(const std::string& name, std::vector<uint8_t>& rgba, int& width, 
     std::memset(&image, 0, sizeof image);
     image.version = PNG_IMAGE_VERSION;
     const std::vector<uint8_t>* embedded = FindEmbeddedResource(name);
-    const bool opened = embedded ? png_image_begin_read_from_memory(&image, embedded->data(), embedded->size())
-                                 : png_image_begin_read_from_file(&image, name.c_str());
+    const bool opened = embedded
+                            ? png_image_begin_read_from_memory(&image, embedded->data(), embedded->size())
+                            : png_image_begin_read_from_file(&image, name.c_str());
     if (!opened) {
         std::fprintf(stderr, "texture \"%s\" could not be read: %s\n", name.c_str(), image.message);
         return false;
@@ -62,6 +63,8 @@ void GuiTexture::Release() {
     failed = false;
 }
 
-void GuiTexture::Bind() const { glBindTexture(GL_TEXTURE_2D, glName); }
+void GuiTexture::Bind() const {
+    glBindTexture(GL_TEXTURE_2D, glName);
+}
 
 }  // namespace BR

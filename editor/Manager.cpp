@@ -55,9 +55,12 @@ Manager::Manager(BrelCorvaneBase* module_) : module(module_) {
 Manager::~Manager() {
     DestroyRenderTask();
     // Elements remove themselves from the list as they go.
-    while (!elements.empty()) delete elements.back();
-    for (GuiTexture* texture : textures) delete texture;
-    for (GuiFont* font : fonts) delete font;
+    while (!elements.empty())
+        delete elements.back();
+    for (GuiTexture* texture : textures)
+        delete texture;
+    for (GuiFont* font : fonts)
+        delete font;
     delete mainFont;
     delete labelFont;
     delete textFieldFont;
@@ -96,7 +99,8 @@ void Manager::SetBannerContent(const std::string& mode, float textX, float statu
 
 void Manager::Animate() {
     rootGroup->Animate();
-    for (Effect* effect : animatedElements) effect->Animate();
+    for (Effect* effect : animatedElements)
+        effect->Animate();
 }
 
 int32_t Manager::FindParameter(const std::string& name) const {
@@ -145,16 +149,26 @@ int32_t Manager::MessageIdForText(const std::string& text) {
 namespace {
 const char* UnitText(uint32_t unit) {
     switch (unit) {
-        case kUnitPercent: return "%";
-        case kUnitSeconds: return "s";
-        case kUnitFrequency: return "Hz";
-        case kUnitCents: return "cents";
-        case kUnitRelativeSemitones: return "semitones";
-        case kUnitDecibels: return "dB";
-        case kUnitTempo: return "bpm";
-        case kUnitBeats: return "beats";
-        case kUnitMilliseconds: return "ms";
-        default: return "";
+        case kUnitPercent:
+            return "%";
+        case kUnitSeconds:
+            return "s";
+        case kUnitFrequency:
+            return "Hz";
+        case kUnitCents:
+            return "cents";
+        case kUnitRelativeSemitones:
+            return "semitones";
+        case kUnitDecibels:
+            return "dB";
+        case kUnitTempo:
+            return "bpm";
+        case kUnitBeats:
+            return "beats";
+        case kUnitMilliseconds:
+            return "ms";
+        default:
+            return "";
     }
 }
 }  // namespace
@@ -189,7 +203,8 @@ void Manager::SetFontChoices(const std::vector<std::string>& names, float mainSi
                              float fieldSize) {
     auto make = [&names](float size) {
         std::vector<FontChoice> choices;
-        for (const std::string& name : names) choices.push_back({name, size});
+        for (const std::string& name : names)
+            choices.push_back({name, size});
         return new GuiFont(choices);
     };
     delete mainFont;

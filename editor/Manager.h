@@ -104,7 +104,8 @@ public:
     Point ConvertPoint(Point windowPoint) const;
     GuiTexture* AddTexture(const std::string& name);
     // The script's getFont, getLabelFont and getTextFieldFont: names tried in order, first found used.
-    void SetFontChoices(const std::vector<std::string>& names, float mainSize, float labelSize, float fieldSize);
+    void SetFontChoices(const std::vector<std::string>& names, float mainSize, float labelSize,
+                        float fieldSize);
     // Render thread, between frames: the frame counter and the smoothed rate.
     uint64_t FrameCount() const { return frameCount.load(); }
 

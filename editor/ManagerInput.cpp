@@ -1,10 +1,9 @@
 // Pointer and key input of the manager, on the window thread: hover, press, drag, release, wheel,
 // window resizing by the lower-right corner, and keys to the focused element.
-#include "Manager.h"
-
 #include <algorithm>
 #include <cmath>
 
+#include "Manager.h"
 #include "widgets/Group.h"
 
 namespace BR {

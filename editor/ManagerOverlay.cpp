@@ -61,7 +61,8 @@ void Manager::DrawOverlay2D() {
         }
     }
     rootGroup->Draw();
-    for (Effect* effect : animatedElements) effect->Draw();
+    for (Effect* effect : animatedElements)
+        effect->Draw();
     if (overlayElement) rootGroup->DrawOverlay();
     DrawTooltip();
     glDisable(GL_BLEND);

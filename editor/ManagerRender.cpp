@@ -62,7 +62,8 @@ void Manager::RenderThreadMain() {
         RenderFrame();
         ++frameCount;
         const auto now = std::chrono::steady_clock::now();
-        const double milliseconds = double(std::chrono::duration_cast<std::chrono::milliseconds>(now - then).count());
+        const double milliseconds =
+            double(std::chrono::duration_cast<std::chrono::milliseconds>(now - then).count());
         then = now;
         frameDuration = float(std::max(milliseconds * 1e9 * 0.001 * 1e-9, 1e-06));
         const float rate = 1.0f / frameDuration;
@@ -111,15 +112,20 @@ bool Manager::InitialiseRendering() {
     haveShaders = !std::getenv("CORVANE_NO_GLSL") && GLEW_VERSION_2_0;
     glDisable(GL_MULTISAMPLE);
     glHint(GL_POLYGON_SMOOTH_HINT, GL_NICEST);
-    for (GuiTexture* texture : textures) texture->Load();
+    for (GuiTexture* texture : textures)
+        texture->Load();
     const float scale = float(drawableWidth) / float(designWidth);
     mainFont->Load(scale);
     labelFont->Load(scale);
     textFieldFont->Load(scale);
-    for (GuiFont* font : fonts) font->Load(scale);
-    for (UIElement* element : elements) element->CreateGLResources();
-    for (UIElement* element : elements) element->PrepareGL();
-    for (Effect* effect : animatedElements) effect->InitGL();
+    for (GuiFont* font : fonts)
+        font->Load(scale);
+    for (UIElement* element : elements)
+        element->CreateGLResources();
+    for (UIElement* element : elements)
+        element->PrepareGL();
+    for (Effect* effect : animatedElements)
+        effect->InitGL();
     InitRendering();
     char banner[128];
     std::snprintf(banner, sizeof banner, "%scorvane %d.%d.%d", bannerMode == 0 ? "brelmont : " : "", 2, 6, 1);
@@ -132,7 +138,8 @@ bool Manager::InitialiseRendering() {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, textureWidth, textureHeight, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, textureWidth, textureHeight, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                 nullptr);
     panelTexture = texture;
     if (haveFramebuffers) {
         GLuint framebuffer = 0;
@@ -161,6 +168,8 @@ void Manager::RedrawPanelTexture() {
         glViewport(0, 0, panelWidth, panelHeight);
     } else if (!bridge->MakeOffscreenCurrent()) {
         return;
+    } else {
+        glViewport(0, 0, panelWidth, panelHeight);
     }
     glClearColor(backgroundColour[0], backgroundColour[1], backgroundColour[2], 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);
@@ -224,7 +233,8 @@ void Manager::RenderFrame() {
     glEnable(GL_CULL_FACE);
     glEnable(GL_LIGHTING);
     const GLfloat ambient[] = {0.2f, 0.2f, 0.2f, 1}, diffuse[] = {0.6f, 0.6f, 0.6f, 1},
-                  specular[] = {0.3f, 0.3f, 0.3f, 1}, position[] = {1, 1, 1, 1}, material[] = {0.7f, 0.5f, 0.5f, 1};
+                  specular[] = {0.3f, 0.3f, 0.3f, 1}, position[] = {1, 1, 1, 1},
+                  material[] = {0.7f, 0.5f, 0.5f, 1};
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, ambient);
     glEnable(GL_LIGHT0);
     glLightfv(GL_LIGHT0, GL_DIFFUSE, diffuse);
@@ -234,7 +244,8 @@ void Manager::RenderFrame() {
     glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, material);
     glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
-    for (Effect* effect : animatedElements) effect->Draw3D();
+    for (Effect* effect : animatedElements)
+        effect->Draw3D();
     glDepthRange(0.0, 0.1);
     glDisable(GL_DEPTH_TEST);
     glDepthMask(GL_FALSE);
@@ -255,19 +266,24 @@ void Manager::RenderFrame() {
 void Manager::TearDownRendering() {
     if (glReady && bridge) bridge->MakeWindowCurrent();
     if (glReady) {
-        for (GuiTexture* texture : textures) texture->Release();
+        for (GuiTexture* texture : textures)
+            texture->Release();
     }
     mainFont->ReleaseGL();
     labelFont->ReleaseGL();
     textFieldFont->ReleaseGL();
-    for (GuiFont* font : fonts) font->ReleaseGL();
+    for (GuiFont* font : fonts)
+        font->ReleaseGL();
     bannerText->SetText(nullptr, "");
     tooltipText->SetText(nullptr, "");
-    for (StaticText& text : statusTexts) text.SetText(nullptr, "");
+    for (StaticText& text : statusTexts)
+        text.SetText(nullptr, "");
     if (glReady) {
-        for (Effect* effect : animatedElements) effect->ReleaseGL();
+        for (Effect* effect : animatedElements)
+            effect->ReleaseGL();
         if (shutdowner) (*shutdowner)();
-        for (const auto& list : displayLists) glDeleteLists(list.first, list.second);
+        for (const auto& list : displayLists)
+            glDeleteLists(list.first, list.second);
         GLuint texture = panelTexture, framebuffer = panelFramebuffer;
         if (texture) glDeleteTextures(1, &texture);
         if (framebuffer) glDeleteFramebuffersEXT(1, &framebuffer);

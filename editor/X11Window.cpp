@@ -17,9 +17,8 @@
 namespace BR {
 
 namespace {
-int visualAttributes[] = {GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8,
-                          GLX_DEPTH_SIZE, 16, None};
-int pixmapAttributes[] = {GLX_RGBA, GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, GLX_DEPTH_SIZE, 16, None};
+int visualAttributes[] = {GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 8,   GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE,
+                          8,        GLX_DEPTH_SIZE,   16,           None};
 constexpr unsigned long kDoubleClickMilliseconds = 400;
 
 void InitThreadsOnce() {
@@ -36,7 +35,9 @@ int ReportXError(Display* display, XErrorEvent* error) {
 }
 }  // namespace
 
-X11Window::~X11Window() { Close(); }
+X11Window::~X11Window() {
+    Close();
+}
 
 bool X11Window::Open(int w, int h, const std::string& title, unsigned long parent, const char* name) {
     InitThreadsOnce();
@@ -67,13 +68,16 @@ bool X11Window::Open(int w, int h, const std::string& title, unsigned long paren
     }
     parentWindow = parent ? parent : RootWindow(display, visual->screen);
     XSetWindowAttributes attributes{};
-    attributes.colormap = XCreateColormap(display, RootWindow(display, visual->screen), visual->visual, AllocNone);
+    attributes.colormap =
+        XCreateColormap(display, RootWindow(display, visual->screen), visual->visual, AllocNone);
     attributes.background_pixel = 0;
     attributes.border_pixel = 0;
     attributes.event_mask = ExposureMask | StructureNotifyMask | PointerMotionMask | ButtonPressMask |
-                            ButtonReleaseMask | KeyPressMask | FocusChangeMask | EnterWindowMask | LeaveWindowMask;
-    window = XCreateWindow(display, parentWindow, 0, 0, unsigned(w), unsigned(h), 0, visual->depth, InputOutput,
-                           visual->visual, CWColormap | CWBackPixel | CWBorderPixel | CWEventMask, &attributes);
+                            ButtonReleaseMask | KeyPressMask | FocusChangeMask | EnterWindowMask |
+                            LeaveWindowMask;
+    window =
+        XCreateWindow(display, parentWindow, 0, 0, unsigned(w), unsigned(h), 0, visual->depth, InputOutput,
+                      visual->visual, CWColormap | CWBackPixel | CWBorderPixel | CWEventMask, &attributes);
     XFree(visual);
     width = w;
     height = h;
@@ -98,13 +102,15 @@ void X11Window::Close() {
 bool X11Window::CreateWindowContext() {
     if (!window) return false;
     renderDisplay = XOpenDisplay(displayName.empty() ? nullptr : displayName.c_str());
-    XVisualInfo* visual = renderDisplay ? glXChooseVisual(renderDisplay, DefaultScreen(renderDisplay), visualAttributes)
-                                        : nullptr;
+    XVisualInfo* visual = renderDisplay
+                              ? glXChooseVisual(renderDisplay, DefaultScreen(renderDisplay), visualAttributes)
+                              : nullptr;
     if (visual) context = glXCreateContext(renderDisplay, visual, nullptr, True);
     if (visual) XFree(visual);
     if (!context || !glXMakeCurrent(renderDisplay, window, context)) {
         // The title of the system's error box, then its text.
-        std::fprintf(stderr, "Error: no OpenGL context for the editor window on \"%s\"\n", displayName.c_str());
+        std::fprintf(stderr, "Error: no OpenGL context for the editor window on \"%s\"\n",
+                     displayName.c_str());
         DestroyContexts();
         return false;
     }
@@ -114,15 +120,34 @@ bool X11Window::CreateWindowContext() {
 bool X11Window::CreateOffscreenContext(int w, int h) {
     (void)w, (void)h;
     if (!renderDisplay) return false;
+    // A pixel buffer of 1024 by 512, sharing textures with the window's context (glyphs and the panel), with
+    // 24 colour bits stands for the bitmap context.
     offscreenWidth = 1024;
     offscreenHeight = 512;
-    XVisualInfo* visual = glXChooseVisual(renderDisplay, DefaultScreen(renderDisplay), pixmapAttributes);
-    if (!visual) return false;
-    offscreenPixmap = XCreatePixmap(renderDisplay, window, unsigned(offscreenWidth), unsigned(offscreenHeight),
-                                    unsigned(visual->depth));
-    offscreenGlxPixmap = glXCreateGLXPixmap(renderDisplay, visual, offscreenPixmap);
-    offscreenContext = glXCreateContext(renderDisplay, visual, nullptr, False);
-    XFree(visual);
+    const int configAttributes[] = {GLX_DRAWABLE_TYPE,
+                                    GLX_PBUFFER_BIT,
+                                    GLX_RENDER_TYPE,
+                                    GLX_RGBA_BIT,
+                                    GLX_RED_SIZE,
+                                    8,
+                                    GLX_GREEN_SIZE,
+                                    8,
+                                    GLX_BLUE_SIZE,
+                                    8,
+                                    GLX_DEPTH_SIZE,
+                                    16,
+                                    None};
+    int count = 0;
+    GLXFBConfig* configs =
+        glXChooseFBConfig(renderDisplay, DefaultScreen(renderDisplay), configAttributes, &count);
+    if (configs && count > 0) {
+        const int bufferAttributes[] = {GLX_PBUFFER_WIDTH, offscreenWidth, GLX_PBUFFER_HEIGHT,
+                                        offscreenHeight, None};
+        offscreenGlxPixmap = glXCreatePbuffer(renderDisplay, configs[0], bufferAttributes);
+        if (offscreenGlxPixmap)
+            offscreenContext = glXCreateNewContext(renderDisplay, configs[0], GLX_RGBA_TYPE, context, True);
+    }
+    if (configs) XFree(configs);
     if (!offscreenContext) {
         std::fputs("editor: no off-screen context; the panel texture stays empty\n", stderr);
         return false;
@@ -130,10 +155,14 @@ bool X11Window::CreateOffscreenContext(int w, int h) {
     return true;
 }
 
-bool X11Window::MakeWindowCurrent() { return context && glXMakeCurrent(renderDisplay, window, context); }
+bool X11Window::MakeWindowCurrent() {
+    return context && glXMakeCurrent(renderDisplay, window, context);
+}
 
 bool X11Window::MakeOffscreenCurrent() {
-    if (!offscreenContext || !glXMakeCurrent(renderDisplay, offscreenGlxPixmap, offscreenContext)) return false;
+    if (!offscreenContext ||
+        !glXMakeContextCurrent(renderDisplay, offscreenGlxPixmap, offscreenGlxPixmap, offscreenContext))
+        return false;
     glViewport(0, 0, offscreenWidth, offscreenHeight);
     return true;
 }
@@ -142,11 +171,10 @@ void X11Window::DestroyContexts() {
     if (!renderDisplay) return;
     glXMakeCurrent(renderDisplay, None, nullptr);
     if (offscreenContext) glXDestroyContext(renderDisplay, offscreenContext);
-    if (offscreenGlxPixmap) glXDestroyGLXPixmap(renderDisplay, offscreenGlxPixmap);
-    if (offscreenPixmap) XFreePixmap(renderDisplay, offscreenPixmap);
+    if (offscreenGlxPixmap) glXDestroyPbuffer(renderDisplay, offscreenGlxPixmap);
     if (context) glXDestroyContext(renderDisplay, context);
     offscreenContext = nullptr;
-    offscreenGlxPixmap = offscreenPixmap = 0;
+    offscreenGlxPixmap = 0;
     context = nullptr;
     XCloseDisplay(renderDisplay);
     renderDisplay = nullptr;
@@ -187,16 +215,32 @@ void X11Window::GetDrawableSize(int& w, int& h) {
 
 int32_t X11Window::MapKey(unsigned long keysym, const char* text, int length) {
     switch (keysym) {
-        case XK_Left: case XK_KP_Left: return 28;
-        case XK_Right: case XK_KP_Right: return 29;
-        case XK_Up: case XK_KP_Up: return 30;
-        case XK_Down: case XK_KP_Down: return 31;
-        case XK_BackSpace: return 8;
-        case XK_Delete: case XK_KP_Delete: return 46;
-        case XK_Insert: case XK_KP_Insert: return 45;
-        case XK_Return: return 13;
-        case XK_KP_Enter: return 3;
-        default: break;
+        case XK_Left:
+        case XK_KP_Left:
+            return 28;
+        case XK_Right:
+        case XK_KP_Right:
+            return 29;
+        case XK_Up:
+        case XK_KP_Up:
+            return 30;
+        case XK_Down:
+        case XK_KP_Down:
+            return 31;
+        case XK_BackSpace:
+            return 8;
+        case XK_Delete:
+        case XK_KP_Delete:
+            return 46;
+        case XK_Insert:
+        case XK_KP_Insert:
+            return 45;
+        case XK_Return:
+            return 13;
+        case XK_KP_Enter:
+            return 3;
+        default:
+            break;
     }
     return length > 0 ? int32_t(static_cast<unsigned char>(text[0])) : 0;
 }
@@ -255,8 +299,11 @@ void X11Window::HandleEvent(XEvent& event) {
                 break;
             }
             if (event.xbutton.button != Button1 && event.xbutton.button != Button3) break;
-            const bool near = std::abs(event.xbutton.x - lastClickX) <= 4 && std::abs(event.xbutton.y - lastClickY) <= 4;
-            lastClickCount = near && event.xbutton.time - lastClickTime <= kDoubleClickMilliseconds ? lastClickCount + 1 : 1;
+            const bool near =
+                std::abs(event.xbutton.x - lastClickX) <= 4 && std::abs(event.xbutton.y - lastClickY) <= 4;
+            lastClickCount = near && event.xbutton.time - lastClickTime <= kDoubleClickMilliseconds
+                                 ? lastClickCount + 1
+                                 : 1;
             lastClickTime = event.xbutton.time;
             lastClickX = event.xbutton.x;
             lastClickY = event.xbutton.y;
@@ -265,7 +312,8 @@ void X11Window::HandleEvent(XEvent& event) {
             break;
         }
         case ButtonRelease: {
-            if (!m || (event.xbutton.button != Button1 && event.xbutton.button != Button3) || !buttonsDown) break;
+            if (!m || (event.xbutton.button != Button1 && event.xbutton.button != Button3) || !buttonsDown)
+                break;
             --buttonsDown;
             m->MouseUp(Point{float(event.xbutton.x), float(height - event.xbutton.y)},
                        MapModifiers(event.xbutton.state));
@@ -281,7 +329,10 @@ void X11Window::HandleEvent(XEvent& event) {
             break;
         }
         case FocusOut:
-            if (m) m->FocusLost();
+            // Only a real loss of the keyboard, not the pointer's passing or our own focus change.
+            if (m && event.xfocus.mode == NotifyNormal && event.xfocus.detail != NotifyPointer &&
+                event.xfocus.detail != NotifyInferior)
+                m->FocusLost();
             break;
         default:
             break;

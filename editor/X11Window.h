@@ -60,7 +60,6 @@ private:
     std::string displayName;
     GLXContext context = nullptr;
     GLXContext offscreenContext = nullptr;
-    unsigned long offscreenPixmap = 0;
     unsigned long offscreenGlxPixmap = 0;
     int offscreenWidth = 0, offscreenHeight = 0;
     std::atomic<int> width{0}, height{0};

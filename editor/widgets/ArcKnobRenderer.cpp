@@ -33,7 +33,8 @@ void ArcKnobRenderer::Animate() {
         slot.enabled = knob->IsShown();
         slot.angle = knob->normalised * kKnobSpan;
         const float lift = 1.0f + 0.25f * knob->highlight;
-        for (int i = 0; i < 3; ++i) slot.colour[i] = std::min(1.0f, knob->colour[i] * lift);
+        for (int i = 0; i < 3; ++i)
+            slot.colour[i] = std::min(1.0f, knob->colour[i] * lift);
         slot.colour[3] = knob->colour[3];
     }
 }

@@ -12,7 +12,8 @@ void EaseButtonColour(float* colour, bool hovered) {
     static const float idle[4] = {0.3f, 0.3f, 0.3f, 0.4f};
     static const float over[4] = {0.8f, 0.4f, 0.1f, 0.3f};
     const float* target = hovered ? over : idle;
-    for (int i = 0; i < 4; ++i) colour[i] = 0.85f * colour[i] + 0.15f * target[i];
+    for (int i = 0; i < 4; ++i)
+        colour[i] = 0.85f * colour[i] + 0.15f * target[i];
 }
 
 void DrawButtonFace(Manager* manager, const float* rect, const float* quadColour, StaticText& text,
@@ -59,9 +60,13 @@ void Button::Draw() {
     glEnd();
 }
 
-void ZephButton::Animate() { EaseButtonColour(colour, hovered); }
+void ZephButton::Animate() {
+    EaseButtonColour(colour, hovered);
+}
 
-void ZephButton::DrawQuadAndCaption(const float* quadColour) { DrawButtonFace(manager, rect, quadColour, text, caption); }
+void ZephButton::DrawQuadAndCaption(const float* quadColour) {
+    DrawButtonFace(manager, rect, quadColour, text, caption);
+}
 
 void ZephButton::Draw() {
     if (visible) DrawQuadAndCaption(colour);
@@ -79,7 +84,9 @@ void StatefulButton::MouseUp(Point, uint32_t) {
     if (callback) callback();
 }
 
-void ZephStatefulButton::Animate() { EaseButtonColour(colour, hovered || state != 0); }
+void ZephStatefulButton::Animate() {
+    EaseButtonColour(colour, hovered || state != 0);
+}
 
 void ZephStatefulButton::Draw() {
     if (visible) DrawButtonFace(manager, rect, colour, text, caption);

@@ -7,7 +7,9 @@
 
 namespace BR {
 
-bool IsIntegerUnit(uint32_t unit) { return unit == 1 || unit == 2 || unit == 11 || unit == 23; }
+bool IsIntegerUnit(uint32_t unit) {
+    return unit == 1 || unit == 2 || unit == 11 || unit == 23;
+}
 
 float ValueToNormalised(const ParameterUiInfo& info, float value) {
     if (info.maximum == info.minimum) return info.minimum;
@@ -26,17 +28,23 @@ float NormalisedToValue(const ParameterUiInfo& info, float n) {
 
 UIElement* ControlBase::HitTest(Point point) {
     if (!visible) return nullptr;
-    return point.x >= rect[0] && point.x <= rect[3] && point.y >= rect[1] && point.y <= rect[4] ? this : nullptr;
+    return point.x >= rect[0] && point.x <= rect[3] && point.y >= rect[1] && point.y <= rect[4] ? this
+                                                                                                : nullptr;
 }
 
 Control::Control(Manager* manager, int32_t parameter_) : ControlBase(manager), parameter(parameter_), info{} {
-    if (manager && parameter >= 0 && parameter < manager->NumParameters()) info = manager->ParameterInfo(parameter);
+    if (manager && parameter >= 0 && parameter < manager->NumParameters())
+        info = manager->ParameterInfo(parameter);
     isInteger = IsIntegerUnit(info.unit) ? 1 : 0;
 }
 
-float Control::Value() const { return manager->GetParameterValue(parameter); }
+float Control::Value() const {
+    return manager->GetParameterValue(parameter);
+}
 
-void Control::SetValue(float value) { manager->SetParameterValue(parameter, value); }
+void Control::SetValue(float value) {
+    manager->SetParameterValue(parameter, value);
+}
 
 float Control::Snap(float n) const {
     const float range = info.maximum - info.minimum;
@@ -45,9 +53,13 @@ float Control::Snap(float n) const {
     return (whole - info.minimum) / range;
 }
 
-void Control::Animate() { normalised = ValueToNormalised(info, Value()); }
+void Control::Animate() {
+    normalised = ValueToNormalised(info, Value());
+}
 
-void Control::MouseDown(Point, uint32_t, int32_t) { manager->BeginParameterEdit(parameter); }
+void Control::MouseDown(Point, uint32_t, int32_t) {
+    manager->BeginParameterEdit(parameter);
+}
 
 void Control::MouseUp(Point, uint32_t) {
     if (manager->editedParameter == parameter) manager->EndParameterEdit(parameter);

@@ -14,14 +14,17 @@ namespace BR {
 DropDown::DropDown(Manager* manager, int32_t parameter) : Control(manager, parameter) {
     CountedTextList* list = nullptr;
     if (info.module && info.module->GetParameterValueStrings(parameter, &list) == kNoErr && list) {
-        for (const std::string& item : list->Get()) items.push_back(item.substr(0, 127));
+        for (const std::string& item : list->Get())
+            items.push_back(item.substr(0, 127));
         list->Release();
     }
-    for (size_t i = 0; i < items.size(); ++i) itemTexts.push_back(new StaticText);
+    for (size_t i = 0; i < items.size(); ++i)
+        itemTexts.push_back(new StaticText);
 }
 
 DropDown::~DropDown() {
-    for (StaticText* text : itemTexts) delete text;
+    for (StaticText* text : itemTexts)
+        delete text;
 }
 
 void DropDown::MouseDown(Point, uint32_t, int32_t) {
@@ -97,7 +100,8 @@ void DropDown::Draw() {
     const int32_t index = std::clamp(int32_t(Value()), 0, int32_t(items.size()) - 1);
     itemTexts[size_t(index)]->SetText(font, items[size_t(index)].c_str());
     glColor4f(0.9f, 0.9f, 0.9f, 1.0f);
-    itemTexts[size_t(index)]->DrawAt(rect[0] + 3.0f, rect[1] + 2.0f - std::min(0.0f, font->Descender() + 2.0f));
+    itemTexts[size_t(index)]->DrawAt(rect[0] + 3.0f,
+                                     rect[1] + 2.0f - std::min(0.0f, font->Descender() + 2.0f));
 }
 
 void DropDown::DrawOverlay() {

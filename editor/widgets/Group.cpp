@@ -20,35 +20,41 @@ void Group::Add(UIElement* child) {
 }
 
 void Group::Animate() {
-    for (UIElement* child : children) child->Animate();
+    for (UIElement* child : children)
+        child->Animate();
 }
 
 void Group::Draw() {
     if (!visible) return;
     glPushMatrix();
     glTranslatef(offsetX, offsetY, 0);
-    for (UIElement* child : children) child->Draw();
+    for (UIElement* child : children)
+        child->Draw();
     glPopMatrix();
 }
 
 void Group::DrawOverlay() {
-    for (UIElement* child : children) child->DrawOverlay();
+    for (UIElement* child : children)
+        child->DrawOverlay();
 }
 
 void Group::PrepareGL() {
-    for (UIElement* child : children) child->PrepareGL();
+    for (UIElement* child : children)
+        child->PrepareGL();
 }
 
 void Group::CreateGLResources() {}
 
 void Group::SetVisible(bool flag) {
     visible = flag ? 1 : 0;
-    for (UIElement* child : children) child->SetVisible(flag);
+    for (UIElement* child : children)
+        child->SetVisible(flag);
 }
 
 void Group::GetBounds(Box& bounds) {
     Box own;
-    for (UIElement* child : children) child->GetBounds(own);
+    for (UIElement* child : children)
+        child->GetBounds(own);
     if (children.empty()) {
         UIElement::GetBounds(bounds);
         return;
@@ -78,7 +84,8 @@ NamedGroup::NamedGroup(Manager* manager, std::string title_, float padding_)
     : Group(manager), title(std::move(title_)), padding(padding_) {}
 
 void NamedGroup::ContentBounds(Box& bounds) {
-    for (UIElement* child : children) child->GetBounds(bounds);
+    for (UIElement* child : children)
+        child->GetBounds(bounds);
     if (children.empty()) bounds = Box{{0, 0, 0, 0, 0, 0}};
     bounds.v[0] -= padding, bounds.v[1] -= padding;
     bounds.v[3] += padding, bounds.v[4] += padding + 6.0f;
@@ -108,9 +115,10 @@ void NamedGroup::CreateGLResources() {
     Box b;
     ContentBounds(b);
     // Open at the top, where the title stands: title gap from x0 + 6 to x0 + 12 + title width.
-    const float titleWidth = manager && manager->labelFont ? manager->labelFont->Advance(title.c_str()) : 0.0f;
+    const float titleWidth =
+        manager && manager->labelFont ? manager->labelFont->Advance(title.c_str()) : 0.0f;
     const float gapLeft = b.v[0] + 6.0f, gapRight = std::min(b.v[3], b.v[0] + 12.0f + titleWidth);
-    const float points[12] = {gapLeft, b.v[4], b.v[0], b.v[4], b.v[0], b.v[1],
+    const float points[12] = {gapLeft, b.v[4], b.v[0], b.v[4], b.v[0],   b.v[1],
                               b.v[3],  b.v[1], b.v[3], b.v[4], gapRight, b.v[4]};
     std::copy(points, points + 12, frame);
 }
@@ -118,7 +126,8 @@ void NamedGroup::CreateGLResources() {
 void NamedGroup::Animate() {
     Group::Animate();
     const float* target = hovered ? gGroupActiveColour : gGroupInactiveColour;
-    for (int i = 0; i < 4; ++i) colour[i] = 0.85f * colour[i] + 0.15f * target[i];
+    for (int i = 0; i < 4; ++i)
+        colour[i] = 0.85f * colour[i] + 0.15f * target[i];
 }
 
 void NamedGroup::Draw() {
@@ -128,7 +137,8 @@ void NamedGroup::Draw() {
     glTranslatef(offsetX, offsetY, 0);
     glColor4fv(colour);
     glBegin(GL_LINE_STRIP);
-    for (int i = 0; i < 6; ++i) glVertex2f(frame[2 * i] + 0.5f, frame[2 * i + 1] + 0.5f);
+    for (int i = 0; i < 6; ++i)
+        glVertex2f(frame[2 * i] + 0.5f, frame[2 * i + 1] + 0.5f);
     glEnd();
     glPopMatrix();
 }

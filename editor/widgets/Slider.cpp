@@ -9,7 +9,8 @@
 
 namespace BR {
 
-TexturedSlider::TexturedSlider(Manager* manager, int32_t parameter, bool vertical, TexturedSliderRenderer* renderer_)
+TexturedSlider::TexturedSlider(Manager* manager, int32_t parameter, bool vertical,
+                               TexturedSliderRenderer* renderer_)
     : Slider(manager, parameter, vertical), renderer(renderer_) {
     if (renderer) renderer->sliders.push_back(this);
 }

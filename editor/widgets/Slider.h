@@ -13,7 +13,8 @@ class TexturedSliderRenderer;
 
 class Slider : public Control {
 public:
-    Slider(Manager* manager, int32_t parameter, bool vertical) : Control(manager, parameter), vertical(vertical) {}
+    Slider(Manager* manager, int32_t parameter, bool vertical)
+        : Control(manager, parameter), vertical(vertical) {}
     bool vertical;
 };
 

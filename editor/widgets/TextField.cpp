@@ -43,7 +43,8 @@ float TextField::Step() const {
     const size_t point = shownText.rfind('.');
     if (point == std::string::npos) return 1.0f;
     size_t digits = 0;
-    for (size_t i = point + 1; i < shownText.size() && std::isdigit(static_cast<unsigned char>(shownText[i])); ++i)
+    for (size_t i = point + 1; i < shownText.size() && std::isdigit(static_cast<unsigned char>(shownText[i]));
+         ++i)
         ++digits;
     return float(std::pow(10.0, -double(digits)));
 }
@@ -154,7 +155,8 @@ void TextField::DrawField() {
     text.DrawAt(rect[3] - textWidth - 1.0f, rect[1] + 2.0f);
 }
 
-PropertyTextField::PropertyTextField(Manager* manager, uint32_t property_) : ControlBase(manager), property(property_) {}
+PropertyTextField::PropertyTextField(Manager* manager, uint32_t property_)
+    : ControlBase(manager), property(property_) {}
 
 void PropertyTextField::Animate() {
     if (editing || !manager->module) return;
@@ -197,7 +199,8 @@ void PropertyTextField::Draw() {
     if (!font || !font->Loaded()) return;
     // A long string shows its right end.
     std::string shown = value;
-    while (!shown.empty() && font->Advance(shown.c_str()) > Width() - 4) shown.erase(0, 1);
+    while (!shown.empty() && font->Advance(shown.c_str()) > Width() - 4)
+        shown.erase(0, 1);
     text.SetText(font, shown.c_str());
     glColor3f(0.1f, 0.1f, 0.1f);
     text.DrawAt(rect[0] + 2.0f, rect[1] + 2.0f);

@@ -18,8 +18,10 @@ void Click(Manager& manager, Point p) {
 TEST(ButtonModes, ToggleAndPush) {
     DCRig rig;
     int calls = 0;
-    auto* toggle = new ZephStatefulButton(&rig.manager, "T", "t", [&calls] { ++calls; }, StatefulButton::kToggle);
-    auto* push = new ZephStatefulButton(&rig.manager, "P", "p", [&calls] { ++calls; }, StatefulButton::kPush);
+    auto* toggle = new ZephStatefulButton(
+        &rig.manager, "T", "t", [&calls] { ++calls; }, StatefulButton::kToggle);
+    auto* push = new ZephStatefulButton(
+        &rig.manager, "P", "p", [&calls] { ++calls; }, StatefulButton::kPush);
     toggle->SetRect(300, 100, 40, 20);
     push->SetRect(300, 130, 40, 20);
     rig.manager.rootGroup->Add(toggle);
@@ -37,7 +39,8 @@ TEST(ButtonModes, ToggleAndPush) {
 
 TEST(ButtonModes, IndicatorTakesNoClicks) {
     DCRig rig;
-    auto* indicator = new ZephPropertyButton(&rig.manager, 64140, "Logic", "In Logic Mode?", PropertyButton::kIndicator);
+    auto* indicator =
+        new ZephPropertyButton(&rig.manager, 64140, "Logic", "In Logic Mode?", PropertyButton::kIndicator);
     indicator->SetRect(300, 100, 40, 20);
     rig.manager.rootGroup->Add(indicator);
     EXPECT_EQ(rig.manager.rootGroup->HitTest(Point{310, 110}), nullptr);
@@ -62,7 +65,8 @@ TEST(ButtonModes, ColourEasesTowardsHoverTarget) {
     EXPECT_FLOAT_EQ(colour[0], 0.85f * 0.3f + 0.15f * 0.8f);
     EXPECT_FLOAT_EQ(colour[1], 0.85f * 0.3f + 0.15f * 0.4f);
     EXPECT_FLOAT_EQ(colour[3], 0.85f * 0.4f + 0.15f * 0.3f);
-    for (int i = 0; i < 200; ++i) EaseButtonColour(colour, false);
+    for (int i = 0; i < 200; ++i)
+        EaseButtonColour(colour, false);
     EXPECT_NEAR(colour[0], 0.3f, 1e-5f);
 }
 

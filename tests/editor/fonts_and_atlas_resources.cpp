@@ -2,7 +2,6 @@
 // the built-in atlas "buttons.png" is 256 by 128 RGBA with its knob and arc cells; a missing texture
 // gives a clear message.
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include "editor/GuiFont.h"
@@ -35,7 +34,8 @@ TEST(FontsAndAtlas, MissingFontGivesMessage) {
     GuiFont font({{"/no/such/font.ttf", 13}});
     testing::internal::CaptureStderr();
     EXPECT_FALSE(font.Load(1.0f));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "font not found: \"/no/such/font.ttf\"; text is not drawn\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "font not found: \"/no/such/font.ttf\"; text is not drawn\n");
     EXPECT_FALSE(font.Loaded());
     EXPECT_EQ(font.Advance("abc"), 0.0f);
 }

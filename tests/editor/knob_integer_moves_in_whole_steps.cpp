@@ -15,7 +15,7 @@ TEST(KnobIntegerSteps, HalfWayRoundsUp) {
     EXPECT_EQ(rig.Value(kMode), 0.0f);
     rig.manager.MouseDragged(Point{p.x, p.y + 50}, 0);  // 0.25: exactly half a step → 1
     EXPECT_EQ(rig.Value(kMode), 1.0f);
-    EXPECT_EQ(rig.panel.secondKnob->normalised, 0.5f);  // the knob shows the whole step
+    EXPECT_EQ(rig.panel.secondKnob->normalised, 0.5f);   // the knob shows the whole step
     rig.manager.MouseDragged(Point{p.x, p.y + 149}, 0);  // 0.745: 1.49 → 1
     EXPECT_EQ(rig.Value(kMode), 1.0f);
     rig.manager.MouseDragged(Point{p.x, p.y + 150}, 0);  // 0.75: 1.5 → 2

@@ -10,7 +10,8 @@ namespace BR::Test {
 
 namespace {
 void Type(Manager& manager, const char* keys) {
-    for (const char* k = keys; *k; ++k) manager.KeyDown(*k);
+    for (const char* k = keys; *k; ++k)
+        manager.KeyDown(*k);
 }
 void Focus(DCRig& rig) {
     rig.manager.MouseDown(rig.Centre(rig.panel.field), 0, 1, false);
@@ -68,7 +69,8 @@ TEST(TextFieldKeys, OtherKeysGoToTheHostAndBufferIsBounded) {
     Focus(rig);
     EXPECT_FALSE(rig.manager.KeyDown('x'));
     EXPECT_FALSE(rig.manager.KeyDown(' '));
-    for (int i = 0; i < 40; ++i) rig.manager.KeyDown('1');
+    for (int i = 0; i < 40; ++i)
+        rig.manager.KeyDown('1');
     EXPECT_EQ(std::strlen(rig.panel.field->buffer), sizeof rig.panel.field->buffer - 1);
 }
 

@@ -1,9 +1,9 @@
 // Xvfb, the test panel, the window rig with XTest input, PNG screenshots and the thread count.
 #include "EditorRig.h"
 
+#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
-#include <X11/Xutil.h>
 #include <dirent.h>
 #include <fcntl.h>
 #include <png.h>
@@ -23,10 +23,12 @@ extern char** environ;
 namespace BR::Test {
 
 XvfbServer::XvfbServer(const std::string& display_, bool withGlx) : display(display_) {
-    std::vector<std::string> words = {"Xvfb", display, "-screen", "0", "1024x768x24", "-nolisten", "tcp"};
+    std::vector<std::string> words = {"Xvfb",        display,     "-screen", "0",
+                                      "1024x768x24", "-nolisten", "tcp",     "-noreset"};
     if (!withGlx) words.insert(words.end(), {"-extension", "GLX"});
     std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
+    for (std::string& word : words)
+        argv.push_back(word.data());
     argv.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -61,7 +63,8 @@ const char* SharedDisplay() {
     return server.Running() ? server.Name().c_str() : nullptr;
 }
 
-TestPanel BuildTestPanel(Manager& manager, int32_t knobParameter, int32_t secondParameter, int32_t dropParameter) {
+TestPanel BuildTestPanel(Manager& manager, int32_t knobParameter, int32_t secondParameter,
+                         int32_t dropParameter) {
     TestPanel panel;
     manager.SetDesignSize(400, 200);
     manager.SetBannerBounds(10, 175, 390, 190);
@@ -140,7 +143,8 @@ void EditorWindowRig::Pump(int milliseconds) {
 
 bool EditorWindowRig::WaitFrames(int frames) {
     const uint64_t target = manager->FrameCount() + uint64_t(frames);
-    for (int i = 0; i < 1000 && manager->FrameCount() < target; ++i) Pump(10);
+    for (int i = 0; i < 1000 && manager->FrameCount() < target; ++i)
+        Pump(10);
     return manager->FrameCount() >= target;
 }
 
@@ -178,8 +182,8 @@ std::vector<uint8_t> EditorWindowRig::Grab(int& width, int& height) {
     width = attributes.width;
     height = attributes.height;
     std::vector<uint8_t> rgb;
-    XImage* image = XGetImage(input, Window(window.WindowId()), 0, 0, unsigned(width), unsigned(height), AllPlanes,
-                              ZPixmap);
+    XImage* image = XGetImage(input, Window(window.WindowId()), 0, 0, unsigned(width), unsigned(height),
+                              AllPlanes, ZPixmap);
     if (!image) return rgb;
     rgb.resize(size_t(width) * size_t(height) * 3);
     for (int y = 0; y < height; ++y)

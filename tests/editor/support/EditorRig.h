@@ -46,7 +46,8 @@ struct TestPanel {
 };
 // Knob and field on `knobParameter`, the second knob on `secondParameter`, the drop-down on
 // `dropParameter` (any may be -1 to leave it out).
-TestPanel BuildTestPanel(Manager& manager, int32_t knobParameter, int32_t secondParameter, int32_t dropParameter);
+TestPanel BuildTestPanel(Manager& manager, int32_t knobParameter, int32_t secondParameter,
+                         int32_t dropParameter);
 
 // The centre of a control in window coordinates (y down), for pointer events.
 void WindowCentre(Manager& manager, UIElement* element, int& x, int& y);
@@ -54,7 +55,8 @@ void WindowCentre(Manager& manager, UIElement* element, int& x, int& y);
 // A module in a window: the manager, the window, and the window thread's event loop run by the test.
 class EditorWindowRig {
 public:
-    EditorWindowRig(BrelCorvaneBase& module, int32_t knobParameter, int32_t secondParameter, int32_t dropParameter);
+    EditorWindowRig(BrelCorvaneBase& module, int32_t knobParameter, int32_t secondParameter,
+                    int32_t dropParameter);
     ~EditorWindowRig();
     bool Open();
     // Runs the window thread's event loop for `milliseconds`.
