@@ -155,6 +155,8 @@ public:
     float statusX = -1;
     float aspect = 1, fovY = 65, orthoScaleX = 1, orthoScaleY = 1, nearZ = 1, eyeX = 0, eyeY = 0;
     float framesPerSecond = 0;
+    // Seconds the last frame took to animate and draw, without the wait for events.
+    std::atomic<double> drawTime{0};
     float frameDuration = 0;
     double renderTime = 0;
     int32_t panelWidth = 0, panelHeight = 0;

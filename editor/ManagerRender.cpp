@@ -58,8 +58,10 @@ void Manager::RenderThreadMain() {
     framesPerSecond = 0;
     auto then = std::chrono::steady_clock::now();
     for (;;) {
+        const auto drawStart = std::chrono::steady_clock::now();
         Animate();
         RenderFrame();
+        drawTime = std::chrono::duration<double>(std::chrono::steady_clock::now() - drawStart).count();
         ++frameCount;
         const auto now = std::chrono::steady_clock::now();
         const double milliseconds =
