@@ -1,6 +1,5 @@
 // The plain panel of "corvane edit dc", grabbed from the X server, matches its committed picture under
 // docs/ within the rasteriser tolerance: a knob and field per row of DC's table, labels and banner.
-#include <X11/Xutil.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -27,24 +26,15 @@ TEST(WindowGenericPanel, DCPanelMatchesDocs) {
     for (int i = 0; i < 400 && manager.FrameCount() < 10; ++i)
         window.ProcessEvents(10);
     ASSERT_GE(manager.FrameCount(), 10u);
-    Display* grabber = XOpenDisplay(display);
-    XImage* image = XGetImage(grabber, Window(window.WindowId()), 0, 0, unsigned(manager.designWidth),
-                              unsigned(manager.designHeight), AllPlanes, ZPixmap);
-    ASSERT_NE(image, nullptr);
-    const int width = manager.designWidth, height = manager.designHeight;
-    std::vector<uint8_t> shot(size_t(width) * size_t(height) * 3);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const unsigned long pixel = XGetPixel(image, x, y);
-            uint8_t* out = &shot[(size_t(y) * size_t(width) + size_t(x)) * 3];
-            out[0] = uint8_t(pixel >> 16), out[1] = uint8_t(pixel >> 8), out[2] = uint8_t(pixel);
-        }
-    XDestroyImage(image);
-    XCloseDisplay(grabber);
+    int width = 0, height = 0;
+    const std::vector<uint8_t> shot = GrabWindow(display, window.WindowId(), width, height);
+    ASSERT_EQ(width, manager.designWidth);
+    ASSERT_EQ(height, manager.designHeight);
     manager.DestroyRenderTask();
     window.Close();
     const char* source = std::getenv("CORVANE_SOURCE_DIR");
-    const std::string path = std::string(source ? source : ".") + "/docs/editor/dc-plain-panel.png";
+    const std::string path =
+        std::string(source ? source : CORVANE_SOURCE_TREE) + "/docs/editor/dc-plain-panel.png";
     WritePngRgb("dc-plain-panel.png", shot, width, height);
     if (std::getenv("CORVANE_UPDATE_SCREENSHOTS")) {
         ASSERT_TRUE(WritePngRgb(path, shot, width, height));

@@ -12,7 +12,7 @@ namespace BR::Test {
 namespace {
 std::string DocsPath(const std::string& name) {
     const char* source = std::getenv("CORVANE_SOURCE_DIR");
-    return std::string(source ? source : ".") + "/docs/editor/" + name;
+    return std::string(source ? source : CORVANE_SOURCE_TREE) + "/docs/editor/" + name;
 }
 
 // Grabs the panel with both knobs set and the pointer on the first knob, once the easing has settled.

@@ -176,26 +176,34 @@ void EditorWindowRig::Type(const std::string& text) {
     }
 }
 
-std::vector<uint8_t> EditorWindowRig::Grab(int& width, int& height) {
+std::vector<uint8_t> GrabWindow(const char* displayName, unsigned long window, int& width, int& height) {
+    std::vector<uint8_t> rgb;
+    Display* display = XOpenDisplay(displayName);
+    if (!display) return rgb;
     XWindowAttributes attributes;
-    XGetWindowAttributes(input, Window(window.WindowId()), &attributes);
+    XGetWindowAttributes(display, Window(window), &attributes);
     width = attributes.width;
     height = attributes.height;
-    std::vector<uint8_t> rgb;
-    XImage* image = XGetImage(input, Window(window.WindowId()), 0, 0, unsigned(width), unsigned(height),
-                              AllPlanes, ZPixmap);
-    if (!image) return rgb;
-    rgb.resize(size_t(width) * size_t(height) * 3);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const unsigned long pixel = XGetPixel(image, x, y);
-            uint8_t* out = &rgb[(size_t(y) * size_t(width) + size_t(x)) * 3];
-            out[0] = uint8_t((pixel >> 16) & 0xFF);
-            out[1] = uint8_t((pixel >> 8) & 0xFF);
-            out[2] = uint8_t(pixel & 0xFF);
-        }
-    XDestroyImage(image);
+    XImage* image =
+        XGetImage(display, Window(window), 0, 0, unsigned(width), unsigned(height), AllPlanes, ZPixmap);
+    if (image) {
+        rgb.resize(size_t(width) * size_t(height) * 3);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const unsigned long pixel = XGetPixel(image, x, y);
+                uint8_t* out = &rgb[(size_t(y) * size_t(width) + size_t(x)) * 3];
+                out[0] = uint8_t((pixel >> 16) & 0xFF);
+                out[1] = uint8_t((pixel >> 8) & 0xFF);
+                out[2] = uint8_t(pixel & 0xFF);
+            }
+        XDestroyImage(image);
+    }
+    XCloseDisplay(display);
     return rgb;
+}
+
+std::vector<uint8_t> EditorWindowRig::Grab(int& width, int& height) {
+    return GrabWindow(SharedDisplay(), window.WindowId(), width, height);
 }
 
 bool WritePngRgb(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height) {

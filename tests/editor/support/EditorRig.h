@@ -82,6 +82,9 @@ public:
     Display* input = nullptr;
 };
 
+// RGB rows of a window, top row first, through a connection of its own to `display`.
+std::vector<uint8_t> GrabWindow(const char* display, unsigned long window, int& width, int& height);
+
 // Writes and reads RGB images as PNG.
 bool WritePngRgb(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height);
 bool ReadPngRgb(const std::string& path, std::vector<uint8_t>& rgb, int& width, int& height);
