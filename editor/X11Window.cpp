@@ -3,6 +3,7 @@
 
 #include <GL/glew.h>
 #include <GL/glx.h>
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
@@ -85,6 +86,9 @@ bool X11Window::Open(int w, int h, const std::string& title, unsigned long paren
     deleteAtom = XInternAtom(display, "WM_DELETE_WINDOW", False);
     Atom protocols[] = {Atom(deleteAtom)};
     XSetWMProtocols(display, window, protocols, 1);
+    clipboardAtom = XInternAtom(display, "CLIPBOARD", False);
+    utf8Atom = XInternAtom(display, "UTF8_STRING", False);
+    targetsAtom = XInternAtom(display, "TARGETS", False);
     XMapRaised(display, window);
     XSync(display, False);
     closed = false;
@@ -253,6 +257,13 @@ uint32_t X11Window::MapModifiers(unsigned int state) {
     return bits;
 }
 
+void X11Window::SetClipboardText(const std::string& text) {
+    if (!display) return;
+    clipboardText = text;
+    XSetSelectionOwner(display, Atom(clipboardAtom), window, CurrentTime);
+    XFlush(display);
+}
+
 bool X11Window::ProcessEvents(int milliseconds) {
     if (!display) return false;
     if (!XPending(display) && milliseconds > 0) {
@@ -326,6 +337,37 @@ void X11Window::HandleEvent(XEvent& event) {
             const int length = XLookupString(&event.xkey, text, sizeof text, &keysym, nullptr);
             const int32_t character = MapKey(keysym, text, length);
             if (character) m->KeyDown(character);
+            break;
+        }
+        case SelectionClear:
+            if (event.xselectionclear.selection == Atom(clipboardAtom)) clipboardText.clear();
+            break;
+        case SelectionRequest: {
+            // Another client pastes: hand over the text as UTF-8 or Latin-1 string, or the list of targets.
+            const XSelectionRequestEvent& request = event.xselectionrequest;
+            XSelectionEvent reply{};
+            reply.type = SelectionNotify;
+            reply.requestor = request.requestor;
+            reply.selection = request.selection;
+            reply.target = request.target;
+            reply.time = request.time;
+            reply.property = None;
+            const Atom property = request.property ? request.property : request.target;
+            if (request.selection == Atom(clipboardAtom)) {
+                if (request.target == Atom(targetsAtom)) {
+                    const Atom targets[] = {Atom(targetsAtom), Atom(utf8Atom), XA_STRING};
+                    XChangeProperty(display, request.requestor, property, XA_ATOM, 32, PropModeReplace,
+                                    reinterpret_cast<const unsigned char*>(targets), 3);
+                    reply.property = property;
+                } else if (request.target == Atom(utf8Atom) || request.target == XA_STRING) {
+                    XChangeProperty(display, request.requestor, property, request.target, 8, PropModeReplace,
+                                    reinterpret_cast<const unsigned char*>(clipboardText.data()),
+                                    int(clipboardText.size()));
+                    reply.property = property;
+                }
+            }
+            XSendEvent(display, request.requestor, False, NoEventMask, reinterpret_cast<XEvent*>(&reply));
+            XFlush(display);
             break;
         }
         case FocusOut:

@@ -29,6 +29,9 @@ public:
     // first. False once the window has been closed by the user or the window system.
     bool ProcessEvents(int milliseconds);
     unsigned long WindowId() const { return window; }
+    // Window thread: offers `text` as the CLIPBOARD selection (UTF-8), answered while events are handled.
+    void SetClipboardText(const std::string& text);
+    const std::string& ClipboardText() const { return clipboardText; }
     bool IsOpen() const { return display != nullptr; }
     const std::string& LastError() const { return lastError; }
 
@@ -68,6 +71,8 @@ private:
     unsigned long lastClickTime = 0;
     int lastClickX = -100, lastClickY = -100, lastClickCount = 0;
     std::string lastError;
+    std::string clipboardText;
+    unsigned long clipboardAtom = 0, utf8Atom = 0, targetsAtom = 0;
 };
 
 }  // namespace BR

@@ -15,7 +15,8 @@ TEST(NamedGroupFrame, EasesTowardsActiveWhileHovered) {
     EXPECT_TRUE(group->hovered);
     group->Animate();
     EXPECT_FLOAT_EQ(group->colour[0], 0.85f * 0.6f + 0.15f * 0.7f);
-    for (int i = 0; i < 100; ++i) group->Animate();
+    for (int i = 0; i < 100; ++i)
+        group->Animate();
     EXPECT_NEAR(group->colour[0], 0.7f, 1e-5f);
     rig.manager.MouseMoved(Point{380, 150});
     EXPECT_FALSE(group->hovered);

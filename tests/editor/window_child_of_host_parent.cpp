@@ -20,7 +20,8 @@ TEST(WindowChildOfHost, ResizeCarriesParent) {
         ASSERT_TRUE(rig.window.Open(400, 200, "child", parent, display));
         rig.window.manager = rig.manager.get();
         rig.manager->CreateRenderTask(&rig.window);
-        for (int i = 0; i < 400 && rig.manager->FrameCount() < 3; ++i) rig.window.ProcessEvents(10);
+        for (int i = 0; i < 400 && rig.manager->FrameCount() < 3; ++i)
+            rig.window.ProcessEvents(10);
         EXPECT_GE(rig.manager->FrameCount(), 3u);
         Window root = 0, parentOfChild = 0, *children = nullptr;
         unsigned count = 0;
