@@ -57,6 +57,9 @@ Manager::~Manager() {
     // Elements remove themselves from the list as they go.
     while (!elements.empty())
         delete elements.back();
+    // Renderers and text items made for this window belong to it, as the elements do.
+    for (Effect* effect : animatedElements)
+        delete effect;
     for (GuiTexture* texture : textures)
         delete texture;
     for (GuiFont* font : fonts)
