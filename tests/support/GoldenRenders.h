@@ -1,0 +1,50 @@
+// Reference renders of every built module: a fixed list of settings, MIDI, transport and parameter
+// changes, rendered at several host block sizes and reduced to one 64-bit hash per case and size. The
+// recorded hashes guard the render path against any change of output, bit for bit.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Render.h"
+
+namespace BR::Test {
+
+// A row set by name once the render reaches `frame` (applied before the first block starting there).
+struct GoldenChange {
+    uint32_t frame;
+    std::string row;
+    float value;
+};
+
+struct GoldenCase {
+    std::string name;
+    std::string stem;
+    std::vector<std::pair<std::string, float>> settings;
+    std::vector<MidiAt> midi;  // absolute frames
+    std::vector<GoldenChange> changes;
+    enum class Input { Silence, Sines, Gates } input = Input::Silence;
+    bool transport = false;  // a 120 BPM 4/4 transport, playing from `startQuarter`
+    double tempo = 120.0;
+    double startQuarter = 0.0;
+    std::vector<std::pair<uint32_t, bool>> playChanges;  // frame, playing
+    int32_t voices = 0;  // > 0: this instance is a master feeding that many voices
+    std::vector<std::pair<std::string, float>> voiceSettings;
+};
+
+// Frames each case renders; not a multiple of any block size, so that every size ends on a short block.
+constexpr uint32_t kGoldenFrames = 9001;
+// The host block sizes each case is rendered at.
+const std::vector<uint32_t>& GoldenBlockSizes();
+const std::vector<GoldenCase>& GoldenCases();
+
+// FNV-1a over the bit patterns of every output sample of every instance of the case.
+uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize);
+
+// Where the recorded hashes live in the source tree, and their text form: "case block hash" lines.
+constexpr const char* kGoldenHashFile = "tests/golden/render_hashes.txt";
+std::string GoldenLine(const std::string& caseName, uint32_t blockSize, uint64_t hash);
+
+}  // namespace BR::Test
