@@ -81,6 +81,13 @@ public:
     // p. Every store sets its bit (after the value, with release order); the audio thread takes a word
     // with TakeChangedWord, so that it copies only values that moved. No lock on either side.
     uint32_t NumChangedWords() const { return numChangedWords; }
+    // Sets a parameter's bit without a store: for state derived from a parameter that is updated
+    // outside the store (a notification that follows later).
+    void MarkParameterChanged(int32_t parameterIndex) {
+        if (parameterIndex >= 0 && uint32_t(parameterIndex) / 64 < numChangedWords)
+            changedWords[size_t(parameterIndex) / 64].fetch_or(uint64_t(1) << (parameterIndex % 64),
+                                                               std::memory_order_release);
+    }
     uint64_t TakeChangedWord(uint32_t word) {
         std::atomic<uint64_t>& bits = changedWords[word];
         return bits.load(std::memory_order_relaxed) ? bits.exchange(0, std::memory_order_acquire) : 0;

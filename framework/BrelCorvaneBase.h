@@ -175,6 +175,8 @@ protected:
     // Makes the next block see every row as changed: after a reset of the module's state, whose
     // derived values must then be computed again.
     void MarkAllRowsChanged() { pollAll = true; }
+    // Makes a row count as changed at the next block, from any thread.
+    void MarkRowChanged(int32_t tableIndex) { MarkParameterChanged(tableIndex + 1); }
     // Step 7 of the render path: host packets into midiToAudioQueue.
     void TransferHostMIDI(const BR::HostMidiNode* node);
     // Hands one queued item to the module's handlers, the scripts and the Learner.
