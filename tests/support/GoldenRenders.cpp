@@ -358,7 +358,7 @@ const std::vector<GoldenCase>& GoldenCases() {
     return cases;
 }
 
-uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize) {
+uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize, const GoldenSetter& setter) {
     const uint32_t frames = kGoldenFrames;
     std::vector<Instance> instances(size_t(1 + goldenCase.voices));
     for (size_t k = 0; k < instances.size(); ++k) {
@@ -391,7 +391,11 @@ uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize) {
         const uint32_t n = std::min(blockSize, frames - done);
         while (nextChange < goldenCase.changes.size() && goldenCase.changes[nextChange].frame <= done) {
             const GoldenChange& change = goldenCase.changes[nextChange++];
-            instances[0].driver->SetParameterByName(change.row, change.value);
+            if (setter) {
+                setter(*instances[0].driver, change.row, change.value);
+            } else {
+                instances[0].driver->SetParameterByName(change.row, change.value);
+            }
         }
         while (nextPlay < goldenCase.playChanges.size() && goldenCase.playChanges[nextPlay].first <= done)
             transport.playing = goldenCase.playChanges[nextPlay++].second;

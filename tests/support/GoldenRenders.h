@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -40,8 +41,12 @@ constexpr uint32_t kGoldenFrames = 9001;
 const std::vector<uint32_t>& GoldenBlockSizes();
 const std::vector<GoldenCase>& GoldenCases();
 
-// FNV-1a over the bit patterns of every output sample of every instance of the case.
-uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize);
+// How a case's parameter changes reach the module between blocks: by default the driver's setter.
+using GoldenSetter = std::function<void(HostDriver& driver, const std::string& row, float value)>;
+
+// FNV-1a over the bit patterns of every output sample of every instance of the case. `setter`, when
+// given, applies the case's changes between blocks in place of the driver's setter.
+uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize, const GoldenSetter& setter = {});
 
 // Where the recorded hashes live in the source tree, and their text form: "case block hash" lines.
 constexpr const char* kGoldenHashFile = "tests/golden/render_hashes.txt";
