@@ -13,27 +13,43 @@ namespace BR {
 
 namespace {
 
-// Depth-first search along "takes input from"; on meeting an instance that is still being visited,
-// the input just followed closes a loop.
+// Depth-first search along "takes input from", on a stack of its own so that no chain of instances
+// can exhaust the call stack; on meeting an instance that is still being visited, the input just
+// followed closes a loop.
 struct LoopFinder {
     const Patch& patch;
     std::vector<int> mark;  // 0 unvisited, 1 on the path, 2 done
     std::vector<size_t> path;
     std::vector<size_t> order;
 
-    void Visit(size_t i) {
-        mark[i] = 1;
-        path.push_back(i);
-        const PatchInstance& instance = patch.instances[i];
-        for (size_t k = 0; k < instance.inputs.size(); ++k) {
-            const PatchSource& source = instance.inputs[k];
-            if (source.kind != PatchSource::Kind::Instance) continue;
-            if (mark[source.index] == 1) Report(i, k, source.index);
-            if (mark[source.index] == 0) Visit(source.index);
+    void Visit(size_t first) {
+        struct Step {
+            size_t instance;
+            size_t nextInput;
+        };
+        std::vector<Step> stack{{first, 0}};
+        mark[first] = 1;
+        path.push_back(first);
+        while (!stack.empty()) {
+            const size_t i = stack.back().instance;
+            const PatchInstance& instance = patch.instances[i];
+            if (stack.back().nextInput < instance.inputs.size()) {
+                const size_t k = stack.back().nextInput++;
+                const PatchSource& source = instance.inputs[k];
+                if (source.kind != PatchSource::Kind::Instance) continue;
+                if (mark[source.index] == 1) Report(i, k, source.index);
+                if (mark[source.index] == 0) {
+                    mark[source.index] = 1;
+                    path.push_back(source.index);
+                    stack.push_back({source.index, 0});
+                }
+                continue;
+            }
+            path.pop_back();
+            mark[i] = 2;
+            order.push_back(i);  // after everything it takes input from
+            stack.pop_back();
         }
-        path.pop_back();
-        mark[i] = 2;
-        order.push_back(i);  // after everything it takes input from
     }
 
     [[noreturn]] void Report(size_t consumer, size_t input, size_t producer) const {
@@ -84,6 +100,13 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules) {
                 ApplySetting(*driver, setting.name, setting.value, setting.place);
             } catch (const UsageError& e) {
                 throw InputError(patch.path + ": " + e.what());
+            }
+        }
+        for (const PropertySetting& property : instance.properties) {
+            try {
+                ApplyPropertySetting(*driver, property, patch.path + ": " + property.source);
+            } catch (const UsageError& e) {
+                throw InputError(e.what());
             }
         }
         if (!instance.calibrationPath.empty())

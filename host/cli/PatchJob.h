@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "PropertyOptions.h"
 #include "RenderPieces.h"
 #include "WavFile.h"
 #include "framework/ModuleCatalogue.h"
@@ -34,10 +35,11 @@ struct PatchInstance {
     std::string place;  // instances[0]
     const CatalogueEntry* entry = nullptr;
     std::vector<PatchSetting> sets;
-    std::vector<MidiEventSpec> events;  // from "midi" and "events" together
-    std::vector<PatchSource> inputs;    // one per module input; silence past the list
-    std::string statePath;              // absolute or from the working folder; empty for none
-    std::string calibrationPath;        // a calibration file loaded after the settings; empty for none
+    std::vector<PropertySetting> properties;  // set after `sets`; `source` holds the place
+    std::vector<MidiEventSpec> events;        // from "midi" and "events" together
+    std::vector<PatchSource> inputs;          // one per module input; silence past the list
+    std::string statePath;                    // absolute or from the working folder; empty for none
+    std::string calibrationPath;              // loaded after the settings and properties; empty for none
     std::string outPath;
 };
 

@@ -1,4 +1,5 @@
 // Reading a patch file: every value is checked where it stands, and a fault names its place.
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -8,15 +9,17 @@
 #include <set>
 
 #include "CommandLine.h"
+#include "InputLimits.h"
 #include "MidiFile.h"
 #include "PatchJob.h"
+#include "PatchJson.h"
 #include "modules/ModuleFactory.h"
 
 namespace BR {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Json = PatchJson;
 
 class PatchReader {
 public:
@@ -51,6 +54,8 @@ private:
     std::map<std::string, size_t> names;      // instance name -> index
     std::map<std::string, size_t> fileIndex;  // resolved WAV path -> index in Patch::files
     std::map<std::string, std::string> outs;  // resolved output path -> place that writes it
+    uint64_t inputSamples = 0;                // of every input WAV, for the memory limit
+    size_t eventCount = 0;                    // of every instance, for the limit
 };
 
 void PatchReader::OnlyKeys(const Json& object, const std::string& place,
@@ -105,11 +110,11 @@ void PatchReader::ReadTransport(const Json& value, TransportSettings& transport)
     }
     OnlyKeys(value, "transport", {"tempo", "position", "playing", "meter", "loop"});
     if (value.contains("tempo")) {
-        transport.tempo = Number(value["tempo"], "transport.tempo", 0, 999);
-        if (transport.tempo <= 0) Fail("transport.tempo", "must lie above 0");
+        transport.tempo = Number(value["tempo"], "transport.tempo", kMinTempo, kMaxTempo);
     }
     if (value.contains("position"))
-        transport.position = Number(value["position"], "transport.position", -1e9, 1e9);
+        transport.position =
+            Number(value["position"], "transport.position", -kMaxPositionQuarters, kMaxPositionQuarters);
     if (value.contains("playing")) transport.playing = Boolean(value["playing"], "transport.playing");
     if (value.contains("meter")) {
         const std::string meter = Text(value["meter"], "transport.meter");
@@ -125,8 +130,9 @@ void PatchReader::ReadTransport(const Json& value, TransportSettings& transport)
         const Json& loop = value["loop"];
         if (!loop.is_array() || loop.size() != 2)
             Fail("transport.loop", "expected [START, END] in quarter notes");
-        transport.loopStart = Number(loop[0], "transport.loop[0]", -1e9, 1e9);
-        transport.loopEnd = Number(loop[1], "transport.loop[1]", -1e9, 1e9);
+        transport.loopStart =
+            Number(loop[0], "transport.loop[0]", -kMaxPositionQuarters, kMaxPositionQuarters);
+        transport.loopEnd = Number(loop[1], "transport.loop[1]", -kMaxPositionQuarters, kMaxPositionQuarters);
         if (transport.loopEnd <= transport.loopStart)
             Fail("transport.loop", "the end must lie after the start");
         transport.looping = true;
@@ -172,6 +178,10 @@ PatchSource PatchReader::ReadSource(const Json& value, const std::string& place,
         } catch (const std::runtime_error& e) {
             Fail(place, e.what());
         }
+        inputSamples += uint64_t(audio.Frames()) * audio.channels.size();
+        if (inputSamples > kMaxInputSamples)
+            Fail(place, "\"" + file + "\" brings the audio inputs of the patch past " +
+                            std::to_string(kMaxInputSamples) + " samples (frames times channels), the limit");
         if (audio.sampleRate != int(patch.sampleRate))
             Fail(place, "\"" + file + "\" runs at " + std::to_string(audio.sampleRate) +
                             " Hz, the patch at " + std::to_string(int(patch.sampleRate)) + " Hz");
@@ -209,6 +219,29 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
             instance.sets.push_back(std::move(setting));
         }
     }
+    if (value.contains("properties")) {
+        const Json& properties = value["properties"];
+        if (!properties.is_array())
+            Fail(place + ".properties", "expected an array of ID numbers and \"ID=VALUE\" texts");
+        for (size_t k = 0; k < properties.size(); ++k) {
+            const std::string at = place + ".properties[" + std::to_string(k) + "]";
+            const Json& item = properties[k];
+            std::string text;
+            if (item.is_number()) {
+                text = std::to_string(Whole(item, at, 0, UINT32_MAX));
+            } else if (item.is_string()) {
+                text = item.get<std::string>();
+            } else {
+                Fail(at, "expected an ID number or an \"ID=VALUE\" text");
+            }
+            try {
+                instance.properties.push_back(ParsePropertySetting(text, "property"));
+            } catch (const UsageError& e) {
+                Fail(at, e.what());
+            }
+            instance.properties.back().source = at;
+        }
+    }
     if (value.contains("midi")) {
         const std::string file = Resolve(Text(value["midi"], place + ".midi"));
         try {
@@ -216,10 +249,16 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
         } catch (const std::runtime_error& e) {
             Fail(place + ".midi", e.what());
         }
+        if (eventCount + instance.events.size() > kMaxPatchEvents)
+            Fail(place + ".midi",
+                 "brings the events of the patch past " + std::to_string(kMaxPatchEvents) + ", the limit");
     }
     if (value.contains("events")) {
         const Json& events = value["events"];
         if (!events.is_array()) Fail(place + ".events", "expected an array of \"FRAME:HEXBYTES\"");
+        if (eventCount + instance.events.size() + events.size() > kMaxPatchEvents)
+            Fail(place + ".events",
+                 "brings the events of the patch past " + std::to_string(kMaxPatchEvents) + ", the limit");
         for (size_t k = 0; k < events.size(); ++k) {
             const std::string at = place + ".events[" + std::to_string(k) + "]";
             try {
@@ -241,13 +280,18 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
             instance.inputs.push_back(
                 ReadSource(inputs[k], place + ".inputs[" + std::to_string(k) + "]", patch));
     }
+    eventCount += instance.events.size();
     if (value.contains("state")) instance.statePath = Resolve(Text(value["state"], place + ".state"));
     if (value.contains("calibration"))
         instance.calibrationPath = Resolve(Text(value["calibration"], place + ".calibration"));
-    instance.outPath =
-        Resolve(value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav");
-    const std::filesystem::path outFolder = std::filesystem::path(instance.outPath).parent_path();
+    const std::string out =
+        value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav";
+    if (out.empty()) Fail(place + ".out", "must name a file");
+    instance.outPath = Resolve(out);
     std::error_code ec;
+    if (std::filesystem::is_directory(instance.outPath, ec))
+        Fail(place + ".out", "\"" + instance.outPath + "\" is a folder, not a file to write");
+    const std::filesystem::path outFolder = std::filesystem::path(instance.outPath).parent_path();
     if (!outFolder.empty() && !std::filesystem::is_directory(outFolder, ec))
         Fail(place + ".out",
              "there is no folder \"" + outFolder.string() + "\" to write \"" + instance.outPath + "\" in");
@@ -257,16 +301,7 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
 }
 
 Patch PatchReader::Read() {
-    std::ifstream in(path);
-    if (!in) Fail("", "cannot read the file");
-    Json root;
-    try {
-        root = Json::parse(in);
-    } catch (const Json::parse_error& e) {
-        std::string what = e.what();
-        const size_t bracket = what.find("] ");
-        Fail("", "not valid JSON: " + (bracket == std::string::npos ? what : what.substr(bracket + 2)));
-    }
+    const Json root = ParsePatchJson(path);
     OnlyKeys(root, "", {"rate", "block", "seconds", "frames", "transport", "instances"});
     Patch patch;
     patch.path = path;
@@ -282,13 +317,17 @@ Patch PatchReader::Read() {
     if (!root.contains("instances")) Fail("instances", "missing: a patch needs at least one instance");
     const Json& instances = root["instances"];
     if (!instances.is_array() || instances.empty()) Fail("instances", "expected a non-empty array");
+    if (instances.size() > kMaxPatchInstances)
+        Fail("instances", "lists " + std::to_string(instances.size()) +
+                              " instances; a patch may hold at most " + std::to_string(kMaxPatchInstances));
     // Names and modules first, so that inputs may name instances listed after them.
     for (size_t i = 0; i < instances.size(); ++i) {
         PatchInstance instance;
         instance.place = "instances[" + std::to_string(i) + "]";
         const Json& value = instances[i];
         OnlyKeys(value, instance.place,
-                 {"name", "module", "set", "midi", "events", "inputs", "state", "calibration", "out"});
+                 {"name", "module", "set", "properties", "midi", "events", "inputs", "state", "calibration",
+                  "out"});
         if (!value.contains("name")) Fail(instance.place + ".name", "missing");
         instance.name = Text(value["name"], instance.place + ".name");
         if (instance.name.empty()) Fail(instance.place + ".name", "must not be empty");
@@ -304,6 +343,15 @@ Patch PatchReader::Read() {
                  "unknown module \"" + module + "\"; \"corvane list\" shows the modules");
         patch.instances.push_back(std::move(instance));
     }
+    // Every output is held in memory until the end: the limit applies to all of them together.
+    uint64_t outputs = 0;
+    for (const PatchInstance& instance : patch.instances)
+        outputs += uint64_t(std::max(instance.entry->numOutputs, 1));
+    if (uint64_t(patch.frames) * outputs > kMaxRenderSamples)
+        Fail(root.contains("seconds") ? "seconds" : "frames",
+             std::to_string(patch.frames) + " frames of " + std::to_string(outputs) +
+                 " output channels in all exceed the limit of " + std::to_string(kMaxRenderSamples) +
+                 " samples held in memory");
     for (size_t i = 0; i < instances.size(); ++i)
         ReadInstance(instances[i], i, patch);
     OrderInstances(patch);

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <stdexcept>
 
 #include "CalibrationOptions.h"
 #include "CommandLine.h"
+#include "InputLimits.h"
 #include "MidiFile.h"
 #include "StateFile.h"
 #include "WavFile.h"
@@ -23,14 +25,40 @@ std::pair<std::string, std::string> SplitSetting(const std::string& text) {
     return {text.substr(0, eq), text.substr(eq + 1)};
 }
 
+// A position in quarter notes, within the range every transport accepts.
+double Quarters(const std::string& text, const std::string& what) {
+    const double value = ParseNumber(text, what);
+    if (std::fabs(value) > kMaxPositionQuarters)
+        throw UsageError(what + ": " + text + " is outside -1e9..1e9 quarter notes");
+    return value;
+}
+
+// The value of an option that names a file: never empty.
+std::string PathValue(ArgumentCursor& cursor, const std::string& option) {
+    std::string path = cursor.Value(option);
+    if (path.empty()) throw UsageError(option + ": must name a file");
+    return path;
+}
+
+// Fails before anything is rendered when a file to write cannot be: a folder, or in no folder.
+void CheckWritable(const std::string& path, const std::string& what) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec))
+        throw UsageError(what + ": \"" + path + "\" is a folder, not a file to write");
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    if (!folder.empty() && !std::filesystem::is_directory(folder, ec))
+        throw UsageError(what + ": there is no folder \"" + folder.string() + "\" to write \"" + path +
+                         "\" in");
+}
+
 // Options that shape the transport; false when `option` is none of them.
 bool ParseTransportOption(const std::string& option, ArgumentCursor& cursor, TransportSettings& transport) {
     if (option == "--tempo") {
         transport.tempo = ParseNumber(cursor.Value(option), "--tempo");
-        if (transport.tempo <= 0 || transport.tempo > 999)
-            throw UsageError("--tempo: must lie above 0 and up to 999 BPM");
+        if (transport.tempo < kMinTempo || transport.tempo > kMaxTempo)
+            throw UsageError("--tempo: must lie from 1 to 999 BPM");
     } else if (option == "--position") {
-        transport.position = ParseNumber(cursor.Value(option), "--position");
+        transport.position = Quarters(cursor.Value(option), "--position");
     } else if (option == "--meter") {
         const std::string text = cursor.Value(option);
         const size_t slash = text.find('/');
@@ -56,8 +84,8 @@ bool ParseTransportOption(const std::string& option, ArgumentCursor& cursor, Tra
         const size_t colon = text.find(':');
         if (colon == std::string::npos)
             throw UsageError("--loop \"" + text + "\": expected START:END in quarter notes");
-        transport.loopStart = ParseNumber(text.substr(0, colon), "--loop start");
-        transport.loopEnd = ParseNumber(text.substr(colon + 1), "--loop end");
+        transport.loopStart = Quarters(text.substr(0, colon), "--loop start");
+        transport.loopEnd = Quarters(text.substr(colon + 1), "--loop end");
         if (transport.loopEnd <= transport.loopStart)
             throw UsageError("--loop: the end must lie after the start");
         transport.looping = true;
@@ -89,21 +117,23 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
         } else if (option == "--set") {
             job.sets.push_back(SplitSetting(cursor.Value(option)));
         } else if (option == "--in") {
-            job.inputPath = cursor.Value(option);
+            job.inputPath = PathValue(cursor, option);
         } else if (option == "--event") {
             job.events.push_back(ParseEvent(cursor.Value(option), "--event"));
         } else if (option == "--midi") {
-            job.midiPath = cursor.Value(option);
+            job.midiPath = PathValue(cursor, option);
         } else if (option == "--state-in") {
-            job.stateIn = cursor.Value(option);
+            job.stateIn = PathValue(cursor, option);
         } else if (option == "--state-out") {
-            job.stateOut = cursor.Value(option);
+            job.stateOut = PathValue(cursor, option);
+        } else if (option == "--property") {
+            job.properties.push_back(ParsePropertySetting(cursor.Value(option), "--property"));
         } else if (option == "--calibration-in") {
-            job.calibrationIn = cursor.Value(option);
+            job.calibrationIn = PathValue(cursor, option);
         } else if (option == "--calibration-out") {
-            job.calibrationOut = cursor.Value(option);
+            job.calibrationOut = PathValue(cursor, option);
         } else if (option == "--out") {
-            job.outputPath = cursor.Value(option);
+            job.outputPath = PathValue(cursor, option);
         } else if (!ParseTransportOption(option, cursor, job.transport)) {
             throw UsageError("render: unknown option \"" + option + "\"");
         }
@@ -123,12 +153,18 @@ int64_t RunRenderJob(const RenderJob& job) {
 }
 
 int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
+    CheckWritable(job.outputPath, "--out");
+    if (!job.stateOut.empty()) CheckWritable(job.stateOut, "--state-out");
+    if (!job.calibrationOut.empty()) {
+        CheckWritable(job.calibrationOut, "--calibration-out");
+        RequireTable(driver, "--calibration-out");
+    }
     AudioData input;
     if (!job.inputPath.empty()) {
         try {
             input = ReadWav(job.inputPath);
         } catch (const std::runtime_error& e) {
-            throw UsageError(std::string("--in: ") + e.what());
+            throw InputError(std::string("--in: ") + e.what());
         }
         if (input.sampleRate != int(job.sampleRate))
             throw UsageError("--in: \"" + job.inputPath + "\" runs at " + std::to_string(input.sampleRate) +
@@ -149,6 +185,12 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     int64_t frames = job.frames;
     if (frames < 0 && job.seconds >= 0) frames = int64_t(std::llround(job.seconds * job.sampleRate));
     if (frames < 0) frames = input.sampleRate ? int64_t(input.Frames()) : int64_t(job.sampleRate);
+    // The outputs are held in memory until the end.
+    const uint64_t outputChannels = uint64_t(std::max(driver.NumHostOutputs(), 1));
+    if (uint64_t(frames) * outputChannels > kMaxRenderSamples)
+        throw InputError(std::to_string(frames) + " frames of " + std::to_string(outputChannels) +
+                         " output channels exceed the limit of " + std::to_string(kMaxRenderSamples) +
+                         " samples held in memory");
 
     // A host restores the session's chunks first; the settings of the command line come after.
     if (!job.stateIn.empty()) {
@@ -160,6 +202,8 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     }
     for (const auto& [name, value] : job.sets)
         ApplySetting(driver, name, value);
+    for (const PropertySetting& property : job.properties)
+        ApplyPropertySetting(driver, property, "--property \"" + property.source + "\"");
     if (!job.calibrationIn.empty()) LoadCalibrationOption(driver, job.calibrationIn, "--calibration-in");
 
     const size_t numIn = size_t(driver.NumHostInputs()), numOut = size_t(driver.NumHostOutputs());

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "PropertyOptions.h"
 #include "RenderPieces.h"
 #include "host/HostDriver.h"
 
@@ -20,10 +21,11 @@ struct RenderJob {
     std::vector<std::pair<std::string, std::string>> sets;  // row name, value text
     std::string inputPath;
     std::vector<MidiEventSpec> events;
-    std::string midiPath;        // a Standard MIDI File, merged with the events
-    std::string stateIn;         // restored before the settings apply
-    std::string stateOut;        // written after the render
-    std::string calibrationIn;   // a calibration file loaded after the state and settings
+    std::string midiPath;                     // a Standard MIDI File, merged with the events
+    std::string stateIn;                      // restored before the settings apply
+    std::string stateOut;                     // written after the render
+    std::vector<PropertySetting> properties;  // set after the settings, in order
+    std::string calibrationIn;   // a calibration file loaded after the state, settings and properties
     std::string calibrationOut;  // the calibration table saved after the render
     std::string outputPath;
     TransportSettings transport;

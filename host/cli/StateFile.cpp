@@ -8,6 +8,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "InputLimits.h"
 #include "framework/StateChunkStore.h"
 
 namespace BR {
@@ -105,6 +106,7 @@ void WriteStateFile(const std::string& path, HostDriver& driver) {
 }
 
 void RestoreStateFile(const std::string& path, HostDriver& driver) {
+    CheckFileSize(path, kMaxStateFileBytes, "state files");
     std::ifstream in(path, std::ios::binary);
     if (!in) throw std::runtime_error("cannot read \"" + path + "\"");
     const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());

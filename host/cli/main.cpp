@@ -20,6 +20,7 @@ const char* kUsage =
     "      --rate HZ  --block N  --frames N | --seconds S  --set \"NAME=VALUE\"...\n"
     "      --in FILE.wav  --event FRAME:HEXBYTES...  --midi FILE.mid  --out FILE.wav\n"
     "      --state-in FILE  --state-out FILE  --calibration-in FILE  --calibration-out FILE\n"
+    "      --property ID[=VALUE]...\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "  patch FILE.json           render several instances together, one WAV each\n"
@@ -82,7 +83,8 @@ int Dispatch(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+// The whole command, entered by main() and, in-process, by tests that drive it with many inputs.
+int CorvaneMain(int argc, char** argv) {
     try {
         return Dispatch(argc, argv);
     } catch (const BR::InputError& e) {
@@ -96,3 +98,9 @@ int main(int argc, char** argv) {
         return 1;
     }
 }
+
+#ifndef CORVANE_CLI_NO_MAIN
+int main(int argc, char** argv) {
+    return CorvaneMain(argc, argv);
+}
+#endif

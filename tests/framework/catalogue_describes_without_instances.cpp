@@ -1,6 +1,7 @@
 // A module becomes creatable by its stem or id when its factory exists, and then agrees with its row:
 // "Corvane " + its name, its ModuleConfig, and one static table, complete with its preset rows, shared
-// by all its instances.
+// by all its instances. The Quantizer alone copies its rows into each instance, as the upper limit of
+// its "Scale" rows follows the instance's scale list; its instances' rows agree row by row.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -33,7 +34,13 @@ TEST(Catalogue, BuiltModulesAgreeWithTheirRows) {
         EXPECT_EQ(byStem->NumPresets(), e.numPresets);
         EXPECT_EQ(byStem->NumTableParameters(), e.numParameters);
         // One static table shared by all instances, complete with its preset rows.
-        EXPECT_EQ(byStem->ParameterTable(), byId->ParameterTable());
+        if (std::string(e.stem) == "quantizer") {
+            EXPECT_NE(byStem->ParameterTable(), byId->ParameterTable());
+            for (int32_t k = 0; k < e.numParameters; ++k)
+                EXPECT_STREQ(byStem->ParameterTable()[k].name, byId->ParameterTable()[k].name);
+        } else {
+            EXPECT_EQ(byStem->ParameterTable(), byId->ParameterTable());
+        }
         EXPECT_EQ(byStem->Presets(), byId->Presets());
         ASSERT_GE(byStem->NumPresets(), 1);
         EXPECT_STREQ(byStem->Presets()[0].name, "Defaults");

@@ -67,7 +67,8 @@ TEST(CliPatchErrors, NameThePlace) {
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}, {"name": "a", "module": "dc"}]})",
                   "instances[1].name: \"a\" names another instance already");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc", "sett": {}}]})",
-                  "instances[0].sett: unknown key; expected one of name, module, set, midi, events, inputs, "
+                  "instances[0].sett: unknown key; expected one of name, module, set, properties, midi, "
+                  "events, inputs, "
                   "state, calibration, out");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc", "set": {"Output Positive L": 2}}]})",
                   "instances[0].set.\"Output Positive L\": 2 is outside 0..1");
@@ -80,7 +81,7 @@ TEST(CliPatchErrors, NameThePlace) {
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "block": 0})",
                   "block: 0 is outside 1..");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "transport": {"tempo": 0}})",
-                  "transport.tempo: must lie above 0");
+                  "transport.tempo: 0 is outside 1..999");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "transport": {"meter": "6-8"}})",
                   "transport.meter: \"6-8\": expected N/D");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc"}], "transport": {"loop": [2, 1]}})",
