@@ -6,9 +6,9 @@
 
 #include "CommandLine.h"
 #include "InfoCommands.h"
-#include "framework/ModuleCatalogue.h"
 #include "PatchJob.h"
 #include "RenderJob.h"
+#include "framework/ModuleCatalogue.h"
 
 namespace {
 
@@ -71,7 +71,8 @@ int Dispatch(int argc, char** argv) {
                 block = unsigned(BR::ParseInteger(cursor.Value(option), "--block", 1, 1024));
             } else if (option == "--module") {
                 only = cursor.Value(option);
-                if (!BR::FindCatalogueEntry(only)) throw BR::UsageError("--module: no module \"" + only + "\"");
+                if (!BR::FindCatalogueEntry(only))
+                    throw BR::UsageError("--module: no module \"" + only + "\"");
             } else {
                 throw BR::UsageError("bench: unknown option \"" + option + "\"");
             }

@@ -5,6 +5,7 @@
 #include <cinttypes>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -424,6 +425,11 @@ uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize, cons
     for (const Instance& instance : instances)
         Hash(hash, instance.out);
     return hash;
+}
+
+std::string GoldenHashPath() {
+    const char* source = std::getenv("CORVANE_SOURCE_DIR");
+    return std::string(source && *source ? source : CORVANE_GOLDEN_SOURCE_DIR) + "/" + kGoldenHashFile;
 }
 
 std::string GoldenLine(const std::string& caseName, uint32_t blockSize, uint64_t hash) {

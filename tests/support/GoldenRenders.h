@@ -50,6 +50,8 @@ uint64_t RenderGoldenHash(const GoldenCase& goldenCase, uint32_t blockSize, cons
 
 // Where the recorded hashes live in the source tree, and their text form: "case block hash" lines.
 constexpr const char* kGoldenHashFile = "tests/golden/render_hashes.txt";
+// The file's path: below CORVANE_SOURCE_DIR when that is set, else below the tree this was built from.
+std::string GoldenHashPath();
 std::string GoldenLine(const std::string& caseName, uint32_t blockSize, uint64_t hash);
 
 }  // namespace BR::Test

@@ -5,7 +5,6 @@
 // follows later) reproduces the recorded reference renders bit for bit.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <string>
@@ -19,8 +18,7 @@ using BR::HostDriver;
 
 std::map<std::string, std::string> RecordedLines() {
     std::map<std::string, std::string> lines;
-    const char* source = std::getenv("CORVANE_SOURCE_DIR");
-    std::ifstream file(std::string(source ? source : ".") + "/" + BR::Test::kGoldenHashFile);
+    std::ifstream file(BR::Test::GoldenHashPath());
     std::string line;
     while (std::getline(file, line))
         if (!line.empty() && line[0] != '#') lines[line.substr(0, line.rfind(' '))] = line;
@@ -35,7 +33,7 @@ int32_t TableIndex(HostDriver& driver, const std::string& row) {
 
 void ExpectEveryChangingCaseMatches(const BR::Test::GoldenSetter& setter) {
     const auto recorded = RecordedLines();
-    ASSERT_FALSE(recorded.empty()) << "no recorded hashes found; is CORVANE_SOURCE_DIR set?";
+    ASSERT_FALSE(recorded.empty()) << "no recorded hashes in " << BR::Test::GoldenHashPath();
     size_t cases = 0;
     for (const BR::Test::GoldenCase& goldenCase : BR::Test::GoldenCases()) {
         if (goldenCase.changes.empty()) continue;

@@ -1,7 +1,6 @@
 // Every module's reference renders, at every block size, still hash to the recorded values.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <string>
@@ -12,8 +11,7 @@ namespace {
 
 std::map<std::string, std::string> RecordedLines() {
     std::map<std::string, std::string> lines;
-    const char* source = std::getenv("CORVANE_SOURCE_DIR");
-    std::ifstream file(std::string(source ? source : ".") + "/" + BR::Test::kGoldenHashFile);
+    std::ifstream file(BR::Test::GoldenHashPath());
     std::string line;
     while (std::getline(file, line)) {
         if (line.empty() || line[0] == '#') continue;
@@ -25,7 +23,7 @@ std::map<std::string, std::string> RecordedLines() {
 
 TEST(GoldenRenders, EveryCaseAtEveryBlockSizeMatchesItsRecordedHash) {
     const auto recorded = RecordedLines();
-    ASSERT_FALSE(recorded.empty()) << "no recorded hashes found; is CORVANE_SOURCE_DIR set?";
+    ASSERT_FALSE(recorded.empty()) << "no recorded hashes in " << BR::Test::GoldenHashPath();
     size_t compared = 0;
     for (const BR::Test::GoldenCase& goldenCase : BR::Test::GoldenCases()) {
         for (uint32_t blockSize : BR::Test::GoldenBlockSizes()) {
