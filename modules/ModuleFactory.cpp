@@ -3,6 +3,9 @@
 
 #include <cstring>
 
+#include "modules/hardware/ArdentController.h"
+#include "modules/hardware/BasaltController.h"
+#include "modules/hardware/SMUX.h"
 #include "modules/sequencing/Quantizer.h"
 #include "modules/sequencing/StepLFO.h"
 #include "modules/sequencing/Sync.h"
@@ -22,10 +25,13 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     // clang-format off
+    {"ardentcontroller", &BrelCorvaneArdentController::Create},
+    {"basaltcontroller", &BrelCorvaneBasaltController::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},
+    {"smux", &BrelCorvaneSMUX::Create},
     {"steplfo", &BrelCorvaneStepLFO::Create},
     {"sync", &BrelCorvaneSync::Create},
     {"trigger", &BrelCorvaneTrigger::Create},

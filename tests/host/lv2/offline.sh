@@ -26,12 +26,19 @@ run_lv2file() {  # URI IN OUT BLOCK [lv2file options...]
 # the usual host block sizes to compare in.
 OFFLINE_TABLE='
 # stem          | check  | lv2file blocks | settings ("Name=Value, ...", as "corvane params STEM" names them)
+# Level inputs on bytes 1 and 3, an input on a gate, thru "1/2" OR-ed into both words, "Cat B": the
+# words must come through the host untouched
+ardentcontroller | varies | 4096 16384    | Input 1=1, Input 3=3, Input Mode 3=1, Input 2 To Gate=9, Output 4=17, Interface Category=1
+# Thru "3/4" lands on the gates of all six bytes; inputs set gates 1/1 and 4/6
+basaltcontroller | varies | 4096 16384    | Input Thru=2, Input 1 To Gate=1, Input 4 To Gate=30, Output 5=99
 dc              | varies | 4096 16384     | Output Positive L=0.25, Multiplier L=-1.5, Input Add L=0.5, Output Symmetric R=-0.75, Input Multiply R=0.5, Smoothing R=-20, Smoothing L=5
 Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
 # Free-running waves; the input multiplies R
 lfo             | varies | 4096 16384     | Speed L=3, Sine L=1, Triangle L=-0.3, Speed R=7, Square R=0.4, Pulse Width R=30, Saw R=0.5, Input Mode R=1
 # Even steps: L offset by a quarter step and slewed, R transposed and smoothed
 quantizer       | varies | 4096 16384     | Enable L=1, Steps L=8, Offset L=25, Smoothing L=2, Enable R=1, Steps R=24, Transpose R=3, Smoothing R=-1
+# Inputs 1 and 2 woven into output 1, 4 and 3 into output 2
+smux            | varies | 4096 16384     | Flip R=1
 # Free-running steps, R interpolated, with input 3 added
 steplfo         | varies | 4096 16384     | Sync L=0, Speed L=7, Step 1 L=0.5, Step 2 L=-0.25, Step 5 L=1, Step 9 L=-0.75, Sync R=0, Speed R=2, Interpolation R=1, Step 3 R=0.8, Step 10 R=-0.6, Signal Input R=3
 # No transport, no clock: the inputs pass through onto the clock and run levels
