@@ -9,6 +9,7 @@
 #include "InfoCommands.h"
 #include "PatchJob.h"
 #include "RenderJob.h"
+#include "framework/ModuleCatalogue.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ const char* kUsage =
     "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
     "  patch FILE.json           render several instances together, one WAV each\n"
-    "  bench [--seconds S] [--block N]   real-time factor of every module\n";
+    "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
 
 int Dispatch(int argc, char** argv) {
     if (argc < 2) throw BR::UsageError("no command given");
@@ -62,6 +63,7 @@ int Dispatch(int argc, char** argv) {
     if (command == "bench") {
         double seconds = 10;
         unsigned block = 256;
+        std::string only;
         BR::ArgumentCursor cursor(argc, argv, 2);
         std::string option;
         while (cursor.Next(option)) {
@@ -71,11 +73,15 @@ int Dispatch(int argc, char** argv) {
                     throw BR::UsageError("--seconds: must lie above 0 and up to 3600");
             } else if (option == "--block") {
                 block = unsigned(BR::ParseInteger(cursor.Value(option), "--block", 1, 1024));
+            } else if (option == "--module") {
+                only = cursor.Value(option);
+                if (!BR::FindCatalogueEntry(only))
+                    throw BR::UsageError("--module: no module \"" + only + "\"");
             } else {
                 throw BR::UsageError("bench: unknown option \"" + option + "\"");
             }
         }
-        return BR::RunBench(seconds, 48000, block);
+        return BR::RunBench(seconds, 48000, block, only);
     }
     throw BR::UsageError("unknown command \"" + command + "\"");
 }
