@@ -9,6 +9,7 @@ packages=(
     libx11-dev libgl-dev libfontconfig-dev libasound2-dev libjack-jackd2-dev
     sordi serdi lilv-utils jalv jackd2 xvfb liblo-tools
     lv2file ardour lv2-examples mda-lv2
+    liblilv-dev blop-lv2
 )
 
 missing=()
