@@ -292,10 +292,11 @@ int main(int argc, char** argv) {
 
     std::printf(
         "Activity: 48 kHz; a gate of 10 Hz (high 50 ms, low 50 ms) into the envelope gates and the\n"
-        "sequencer triggers; envelopes A 10 ms to 1, D 50 ms to sustain 0.5, R 100 ms; sequencers of 64\n"
-        "steps (sin(0.7 k)) stepping on each rising edge; oscillators a 5 Hz triangle. Corvane's LFO and\n"
-        "Step LFO render both their channels. Each figure: the fastest of %d runs of %.1f s of audio,\n"
-        "runs interleaved between plug-ins.\n\n",
+        "sequencer triggers; envelopes A 10 ms to 1, D 50 ms to sustain 0.5, R 100 ms (the Trigger once\n"
+        "with its default exponential segments, once with parabolic ones); sequencers of 64 steps\n"
+        "(sin(0.7 k)) stepping on each rising edge; oscillators a 5 Hz triangle. Corvane's LFO and Step\n"
+        "LFO render both their channels. Each figure: the fastest of %d runs of %.1f s of audio, runs\n"
+        "interleaved between plug-ins.\n\n",
         repeats, seconds);
     const uint64_t frames = uint64_t(seconds * kRate);
     std::printf("%-40s %6s %12s\n", "plug-in", "block", "ns/frame");
