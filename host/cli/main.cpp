@@ -5,6 +5,7 @@
 #include <string>
 
 #include "CommandLine.h"
+#include "EditCommand.h"
 #include "InfoCommands.h"
 #include "PatchJob.h"
 #include "RenderJob.h"
@@ -23,6 +24,8 @@ const char* kUsage =
     "      --property ID[=VALUE]...\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
+    "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
+    "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
     "  patch FILE.json           render several instances together, one WAV each\n"
     "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
 
@@ -47,6 +50,7 @@ int Dispatch(int argc, char** argv) {
         std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames, job.outputPath.c_str());
         return 0;
     }
+    if (command == "edit") return BR::RunEdit(argc, argv);
     if (command == "patch") {
         if (argc != 3) throw BR::UsageError("patch needs exactly one patch file");
         const BR::Patch patch = BR::ParsePatch(argv[2]);
