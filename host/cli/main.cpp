@@ -5,9 +5,11 @@
 #include <string>
 
 #include "CommandLine.h"
+#include "EditCommand.h"
 #include "InfoCommands.h"
 #include "PatchJob.h"
 #include "RenderJob.h"
+#include "framework/ModuleCatalogue.h"
 #include "remote/RemoteServices.h"
 
 namespace {
@@ -24,9 +26,11 @@ const char* kUsage =
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "      --realtime  --script FILE.lua...  --osc-base-port N\n"
+    "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
+    "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
     "  patch FILE.json [--realtime] [--osc-base-port N]\n"
     "                            render several instances together, one WAV each\n"
-    "  bench [--seconds S] [--block N]   real-time factor of every module\n";
+    "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
 
 int Dispatch(int argc, char** argv) {
     if (argc < 2) throw BR::UsageError("no command given");
@@ -49,6 +53,7 @@ int Dispatch(int argc, char** argv) {
         std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames, job.outputPath.c_str());
         return 0;
     }
+    if (command == "edit") return BR::RunEdit(argc, argv);
     if (command == "patch") {
         if (argc < 3 || argv[2][0] == '-') throw BR::UsageError("patch needs exactly one patch file");
         BR::RemoteSettings remote;
@@ -67,6 +72,7 @@ int Dispatch(int argc, char** argv) {
     if (command == "bench") {
         double seconds = 10;
         unsigned block = 256;
+        std::string only;
         BR::ArgumentCursor cursor(argc, argv, 2);
         std::string option;
         while (cursor.Next(option)) {
@@ -76,11 +82,15 @@ int Dispatch(int argc, char** argv) {
                     throw BR::UsageError("--seconds: must lie above 0 and up to 3600");
             } else if (option == "--block") {
                 block = unsigned(BR::ParseInteger(cursor.Value(option), "--block", 1, 1024));
+            } else if (option == "--module") {
+                only = cursor.Value(option);
+                if (!BR::FindCatalogueEntry(only))
+                    throw BR::UsageError("--module: no module \"" + only + "\"");
             } else {
                 throw BR::UsageError("bench: unknown option \"" + option + "\"");
             }
         }
-        return BR::RunBench(seconds, 48000, block);
+        return BR::RunBench(seconds, 48000, block, only);
     }
     throw BR::UsageError("unknown command \"" + command + "\"");
 }
