@@ -3,8 +3,10 @@
 
 #include <cstring>
 
+#include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
+#include "modules/hardware/CVInput.h"
 #include "modules/hardware/SMUX.h"
 #include "modules/sequencing/Quantizer.h"
 #include "modules/sequencing/StepLFO.h"
@@ -25,8 +27,10 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     // clang-format off
+    {"acencoder", &BrelCorvaneACEncoder::Create},
     {"ardentcontroller", &BrelCorvaneArdentController::Create},
     {"basaltcontroller", &BrelCorvaneBasaltController::Create},
+    {"cvinput", &BrelCorvaneCVInput::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
