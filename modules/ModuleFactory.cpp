@@ -7,6 +7,8 @@
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
 #include "modules/hardware/CVInput.h"
+#include "modules/hardware/CinderCombiner.h"
+#include "modules/hardware/DunmoreCombiner.h"
 #include "modules/hardware/SMUX.h"
 #include "modules/sequencing/Quantizer.h"
 #include "modules/sequencing/StepLFO.h"
@@ -30,8 +32,10 @@ const FactoryRow kFactories[] = {
     {"acencoder", &BrelCorvaneACEncoder::Create},
     {"ardentcontroller", &BrelCorvaneArdentController::Create},
     {"basaltcontroller", &BrelCorvaneBasaltController::Create},
+    {"cindercombiner", &BrelCorvaneCinderCombiner::Create},
     {"cvinput", &BrelCorvaneCVInput::Create},
     {"dc", &BrelCorvaneDC::Create},
+    {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},

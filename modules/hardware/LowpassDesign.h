@@ -2,6 +2,7 @@
 // form filter that runs it, shared by the CV combiners, the Voice Controller and CV Input.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 namespace BR {
@@ -25,6 +26,16 @@ struct LowpassCoefficients {
     // Designs, then divides the feed-forward taps by the gain so that 0 Hz passes unchanged.
     void Design(double rippleDb, double cutoffFraction) {
         DesignLowpass(Order, rippleDb, cutoffFraction, feedForward, feedback, gain);
+        // The gain divided out is that of the taps as stored: the float rounding of the feedback
+        // taps moves the response at 0 Hz by a few tenths of a percent, and a control voltage
+        // must pass unchanged.
+        double sumForward = 0.0, sumBack = 0.0;
+        for (float a : feedForward)
+            sumForward += a;
+        for (float b : feedback)
+            sumBack += b;
+        const double storedGain = sumForward / (1.0 - sumBack);
+        if (std::isfinite(storedGain) && storedGain > 0.0) gain = float(storedGain);
         for (float& a : feedForward)
             a /= gain;
         gain = 1.0f;

@@ -101,7 +101,13 @@ TEST(LowpassDesign, TenthOrderButterworthAsCVInputUsesIt) {
         EXPECT_NEAR(Decibels(MeasuredMagnitude(c, 0.0)), 0.0, 0.3) << fc;
         EXPECT_NEAR(Decibels(MeasuredMagnitude(c, fc)), -3.0103, 0.3) << fc;
         const double f = std::min(fc * 1.5, 0.45);
-        EXPECT_NEAR(Decibels(MeasuredMagnitude(c, f)), Decibels(ButterworthMagnitude(10, f, fc)), 1.0) << fc;
+        const double expected = Decibels(ButterworthMagnitude(10, f, fc));
+        // Below -90 dB lies the noise floor of the float arithmetic.
+        if (expected > -90.0) {
+            EXPECT_NEAR(Decibels(MeasuredMagnitude(c, f)), expected, 1.0) << fc;
+        } else {
+            EXPECT_LT(Decibels(MeasuredMagnitude(c, f)), -90.0) << fc;
+        }
         // The carrier at half the rate is a zero of the design.
         EXPECT_LT(MeasuredMagnitude(c, 0.5), 1e-3) << fc;
     }
