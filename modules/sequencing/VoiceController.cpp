@@ -278,6 +278,8 @@ void BrelCorvane::InitModule() {
     velocityLow = velocityRange = 0.0f;
     hardwareMode = targetHardware = targetChannel = interfaceCategory = 0;
     std::fill(bipolar, bipolar + 3, false);
+    hardwareCinder = BR::CinderStream();
+    hardwareDunmore = BR::DunmoreStream();
     *display = VoiceControllerStatus{};
     BrelCorvaneBase::InitModule();
 }
@@ -396,15 +398,15 @@ void BrelCorvane::ReadParameters() {
     }
     smoothingRate = sampleRate;
 
-    hardwareMode = int32_t(GetTableValue(kHardwareMode));
+    hardwareMode = std::clamp(int32_t(GetTableValue(kHardwareMode)), 0, 3);
     if (hardwareMode == 1)
         for (int32_t b = 0; b < 3; ++b)
             bipolar[b] = GetTableValue(kBipolar3 + b) != 0.0f;
     if (hardwareMode != 0) {
-        targetHardware = int32_t(GetTableValue(kTargetHardware));
-        targetChannel = int32_t(GetTableValue(kTargetChannel));
+        targetHardware = std::clamp(int32_t(GetTableValue(kTargetHardware)), 0, 1);
+        targetChannel = std::clamp(int32_t(GetTableValue(kTargetChannel)), 0, 5);
     }
-    interfaceCategory = int32_t(GetTableValue(kInterfaceCategory));
+    interfaceCategory = std::clamp(int32_t(GetTableValue(kInterfaceCategory)), 0, 1);
     display->mode = mode;
     display->measureStep = measurement.Step();
 }
