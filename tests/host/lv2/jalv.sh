@@ -48,12 +48,21 @@ outputs_of() {  # NAME COUNT: NAME:out_1 ... NAME:out_COUNT
 # input file, the events (--event), the transport (--tempo 90, playing from 0) and blocks of 256.
 JALV_TABLE='
 # stem          | input  | MIDI events (FRAME:HEXBYTES ...)                                        | settings
+# A carrier on both channels, R unipolar
+acencoder       | signal | -                                                                       | Enable L=1, Enable R=1, Input Polarity R=1
 # A note channel on output 3, a gate group with a 20 ms trigger, MIDI out of all channels and the clock
 # as a serial line on gate 4/1, a level input on byte 3
 ardentcontroller | signal | 1000:903C64 8000:913064 20000:803C00 30000:813000                     | MIDI Out MIDI Channel=17, MIDI Out Clock=1, MIDI Out Output=24, Gates 1 MIDI Channel=2, Trigger 1/1 Length=20, Input 3=3, Input Thru=0
 # Gate group 4 on byte 4, MIDI out and the clock with song position on gate 6/1, thru "3/4"
 basaltcontroller | signal | 1000:903C64 8000:903E64 20000:803C00 30000:803E00                     | MIDI Out MIDI Channel=17, MIDI Out Clock=1, Use MIDI SPP=1, MIDI Out Output=40, Gates 4 MIDI Channel=1, Gates 4 Base Note=60, Input Thru=2
+# A Cinder lane on byte 1 with offsets and a filter, thru "1/2"
+cindercombiner  | signal | -                                                                       | Filter 2=1, Offset 1=-1
+# Elkhorn on L, a rectifying decoder on R with a one-pole
+cvinput         | signal | -                                                                       | Mode L=2, Scale R=2, Smoothing R=-3
 dc              | signal | -                                                                       | Output Positive L=0.3, Multiplier L=-1.5, Input Add L=1, Output Symmetric R=-0.45, Multiplier R=1.5, Input Multiply R=0.5
+# A Dunmore lane on "Basalt" byte 1 with "SMUX Proof", not adaptive: the adaptive warm-up counts
+# slices, so its stream would depend on the JACK period
+dunmorecombiner | signal | -                                                                       | Target Hardware=1, SMUX Proof=1, Filter 1=1, Adaptive Mode=0
 Function        | signal | -                                                                       | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
 # Both channels locked to the transport (a beat and half a beat); the input multiplies R
 lfo             | signal | -                                                                       | Sync L=2, Beats L=1, Sine L=1, Triangle L=-0.3, Sync R=2, Beats R=2, Beat Divisor R=3, Saw R=0.5, Square R=0.3, Input Mode R=1
