@@ -21,16 +21,13 @@ int32_t BrelAuBase::Uninitialize() {
     masterBypass = nullptr;
     parameterMap.clear();
     parameterList.clear();
+    changedWords.reset();
+    numChangedWords = 0;
     controller = nullptr;
     transport = nullptr;
     initialTransport = nullptr;
     automation = nullptr;
     return BR::kNoErr;
-}
-
-BR::Parameter* BrelAuBase::GetParameter(int32_t parameterIndex) const {
-    if (parameterIndex < 0 || parameterIndex >= int32_t(parameterList.size())) return nullptr;
-    return parameterList[size_t(parameterIndex)].get();
 }
 
 BR::Parameter* BrelAuBase::FindParameter(const std::string& identifier) const {
@@ -70,6 +67,11 @@ int32_t BrelAuBase::EffectInit() {
         AddParameterObject(std::make_unique<BR::Parameter>(identifier, row.name, BR::Parameter::Kind::Float,
                                                            row.minimum, row.maximum, row.defaultValue));
     }
+    // Every parameter starts out changed, so that the first block reads them all.
+    numChangedWords = uint32_t((parameterList.size() + 63) / 64);
+    changedWords = std::make_unique<std::atomic<uint64_t>[]>(numChangedWords);
+    for (size_t p = 0; p < parameterList.size(); ++p)
+        changedWords[p / 64].fetch_or(uint64_t(1) << (p % 64), std::memory_order_relaxed);
     return BR::kNoErr;
 }
 
@@ -90,7 +92,7 @@ int32_t BrelAuBase::SetParameterValue(int32_t parameterIndex, float value) {
 int32_t BrelAuBase::StoreParameterValue(int32_t parameterIndex, float value) {
     BR::Parameter* parameter = GetParameter(parameterIndex);
     if (!parameter) return BR::kErrUnknownParameter;
-    StoreValue(parameter, value);
+    StoreValue(parameter, parameterIndex, value);
     return BR::kNoErr;
 }
 
@@ -101,15 +103,18 @@ void BrelAuBase::NotifyParameterValue(int32_t parameterIndex) {
     ParameterValueChanged(parameterIndex, parameter->GetValueAsFloat());
 }
 
-void BrelAuBase::StoreValue(BR::Parameter* parameter, float value) {
+void BrelAuBase::StoreValue(BR::Parameter* parameter, int32_t parameterIndex, float value) {
     parameter->SetValue(value);
+    if (parameterIndex >= 0 && uint32_t(parameterIndex) / 64 < numChangedWords)
+        changedWords[size_t(parameterIndex) / 64].fetch_or(uint64_t(1) << (parameterIndex % 64),
+                                                           std::memory_order_release);
     parameter->MarkDirty();
     if (automation) automation->PostDirtyParameter(parameter->Identifier());
     ++numChanges;
 }
 
 void BrelAuBase::ApplyParameterValue(BR::Parameter* parameter, int32_t parameterIndex, float value) {
-    StoreValue(parameter, value);
+    StoreValue(parameter, parameterIndex, value);
     // Master Bypass (index 0) never reaches the OSC helper or the notification receivers.
     if (parameterIndex <= 0) return;
     ParameterValueChanged(parameterIndex, parameter->GetValueAsFloat());

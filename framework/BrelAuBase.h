@@ -43,7 +43,10 @@ public:
 
     // Parameter list queries, bounds-checked: an index outside the list gives no object.
     int32_t GetNumberOfParameters() const { return int32_t(parameterList.size()); }
-    BR::Parameter* GetParameter(int32_t parameterIndex) const;
+    BR::Parameter* GetParameter(int32_t parameterIndex) const {
+        if (parameterIndex < 0 || parameterIndex >= int32_t(parameterList.size())) return nullptr;
+        return parameterList[size_t(parameterIndex)].get();
+    }
     BR::Parameter* FindParameter(const std::string& identifier) const;
     int32_t GetParameterIndex(const std::string& identifier) const;  // -1 when unknown
     static const char* MasterBypassIdentifier() { return "MasterBypassID"; }
@@ -73,6 +76,22 @@ public:
     int32_t SetPropertyAndNotify(uint32_t id, const void* data, uint32_t size);
 
     BR::HostController* Controller() const { return controller; }
+
+    // Parameters stored since the mask word was last taken: bit p of word p / 64 stands for parameter
+    // p. Every store sets its bit (after the value, with release order); the audio thread takes a word
+    // with TakeChangedWord, so that it copies only values that moved. No lock on either side.
+    uint32_t NumChangedWords() const { return numChangedWords; }
+    // Sets a parameter's bit without a store: for state derived from a parameter that is updated
+    // outside the store (a notification that follows later).
+    void MarkParameterChanged(int32_t parameterIndex) {
+        if (parameterIndex >= 0 && uint32_t(parameterIndex) / 64 < numChangedWords)
+            changedWords[size_t(parameterIndex) / 64].fetch_or(uint64_t(1) << (parameterIndex % 64),
+                                                               std::memory_order_release);
+    }
+    uint64_t TakeChangedWord(uint32_t word) {
+        std::atomic<uint64_t>& bits = changedWords[word];
+        return bits.load(std::memory_order_relaxed) ? bits.exchange(0, std::memory_order_acquire) : 0;
+    }
     BR::HostTransport* Transport() const { return transport; }
 
 protected:
@@ -86,6 +105,8 @@ protected:
     std::vector<std::unique_ptr<BR::Parameter>> parameterList;
     std::map<std::string, BR::Parameter*> parameterMap;
     std::atomic<uint32_t> numChanges{0};
+    std::unique_ptr<std::atomic<uint64_t>[]> changedWords;
+    uint32_t numChangedWords = 0;
 
     uint32_t numTableParameters;
     const BR::ParameterDefinition* parameterTable;
@@ -102,6 +123,6 @@ protected:
 
 private:
     void ApplyParameterValue(BR::Parameter* parameter, int32_t parameterIndex, float value);
-    void StoreValue(BR::Parameter* parameter, float value);
+    void StoreValue(BR::Parameter* parameter, int32_t parameterIndex, float value);
     void AddParameterObject(std::unique_ptr<BR::Parameter> parameter);
 };

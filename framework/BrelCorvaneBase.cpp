@@ -21,7 +21,9 @@ BrelCorvaneBase::BrelCorvaneBase(const BR::ModuleConfig& config)
       oscPortOffsetIndex(config.oscPortOffsetIndex),
       interfaceCategoryIndex(config.interfaceCategoryIndex),
       numSidechains(config.numSidechains),
-      numAuxOutputs(config.numAuxOutputs) {
+      numAuxOutputs(config.numAuxOutputs),
+      blockValues(size_t(std::max(config.numParameters, 0)), 0.0f),
+      blockChanged(size_t(std::max(config.numParameters, 0) + 1 + 63) / 64, 0) {
     if (BR::ModuleServicesFactory factory = BR::GetModuleServicesFactory()) services = factory(*this);
     std::memset(&status, 0, sizeof status);
 
@@ -45,6 +47,7 @@ BrelCorvaneBase::~BrelCorvaneBase() {
 }
 
 void BrelCorvaneBase::InitModule() {
+    MarkAllRowsChanged();
     SetMaxBlockSize(BR::kDefaultMaxBlockSize);
     BR::SetOSCBasePort(BR::PreferenceStore::GetInt("OSC Base Port", 7000));
     if (services) services->Start();
@@ -66,10 +69,44 @@ bool BrelCorvaneBase::BeginBlock(uint32_t) {
     return true;
 }
 
-float BrelCorvaneBase::GetTableValue(int32_t tableIndex) const {
-    if (tableIndex < 0) return 0.0f;  // never Master Bypass through a table index
-    const BR::Parameter* parameter = GetParameter(tableIndex + 1);
-    return parameter ? parameter->GetValueAsFloat() : 0.0f;
+bool BrelCorvaneBase::RowsChanged(int32_t first, int32_t count) const {
+    for (uint32_t p = uint32_t(first + 1), end = uint32_t(first + 1 + count); p < end;) {
+        const uint32_t word = p / 64, bit = p % 64;
+        const uint32_t span = std::min(64 - bit, end - p);
+        const uint64_t mask = (span == 64 ? ~uint64_t(0) : ((uint64_t(1) << span) - 1)) << bit;
+        if (blockChanged[word] & mask) return true;
+        p += span;
+    }
+    return false;
+}
+
+void BrelCorvaneBase::PollParameters() {
+    if (controller && controller->GetSampleRate() != polledSampleRate) {
+        polledSampleRate = controller->GetSampleRate();
+        pollAll = true;
+    }
+    const uint32_t words = std::min<uint32_t>(NumChangedWords(), uint32_t(blockChanged.size()));
+    const uint32_t numObjects = uint32_t(parameterList.size());
+    bool any = false;
+    for (uint32_t w = 0; w < words; ++w) {
+        uint64_t bits = TakeChangedWord(w);
+        if (pollAll) bits = ~uint64_t(0);
+        if (w == 0) bits &= ~uint64_t(1);  // Master Bypass is read by RenderAudio itself
+        blockChanged[w] = bits;
+        while (bits) {
+            const uint32_t p = w * 64 + uint32_t(__builtin_ctzll(bits));
+            bits &= bits - 1;
+            if (p >= numObjects || p > uint32_t(numParameters)) {
+                blockChanged[w] &= ~(uint64_t(1) << (p % 64));
+                continue;
+            }
+            blockValues[p - 1] = parameterList[p]->GetValueAsFloat();
+            any = true;
+        }
+    }
+    pollAll = false;
+    anyRowChanged = any;
+    if (any) ++parameterReadCount;
 }
 
 int32_t BrelCorvaneBase::UpdateParameterNormalizedValue(const std::string& identifier, double normalized) {

@@ -128,8 +128,29 @@ public:
 
     // The text an editor or script shows for a parameter's current value; `out` holds 25 bytes.
     void GetParameterValueText(int32_t tableIndex, char* out);
-    // The value of table row k (parameter k + 1), or 0 when there is no such object.
-    float GetTableValue(int32_t tableIndex) const;
+    // The value of table row k (parameter k + 1), or 0 when there is no such object. Reads the
+    // parameter object itself, so any thread sees a value at once; the render path reads BlockValue.
+    float GetTableValue(int32_t tableIndex) const {
+        if (tableIndex < 0) return 0.0f;  // never Master Bypass through a table index
+        const BR::Parameter* parameter = GetParameter(tableIndex + 1);
+        return parameter ? parameter->GetValueAsFloat() : 0.0f;
+    }
+
+    // What this block sees of the parameters, polled once before BeginBlock and constant until the
+    // next block. A module may read every row in BeginBlock through GetTableValue, as before; or read
+    // BlockValue and recompute what it derives from rows only when RowsChanged says they moved.
+    float BlockValue(int32_t tableIndex) const { return blockValues[size_t(tableIndex)]; }
+    // True when any table row changed since the previous block (or the module was reset, or the
+    // sample rate moved): everything derived from rows is due again.
+    bool RowsChanged() const { return anyRowChanged; }
+    bool RowChanged(int32_t tableIndex) const {
+        const uint32_t p = uint32_t(tableIndex + 1);
+        return (blockChanged[p / 64] >> (p % 64)) & 1u;
+    }
+    // True when any of `count` rows from `first` changed since the previous block.
+    bool RowsChanged(int32_t first, int32_t count) const;
+    // Counts the blocks that saw a changed row; lets tests and benchmarks see the mechanism at work.
+    uint64_t ParameterReadCount() const { return parameterReadCount; }
     int32_t SetTableValue(int32_t tableIndex, float value) {
         return SetParameterValue(tableIndex + 1, value);
     }
@@ -151,6 +172,11 @@ public:
 
 protected:
     void ParameterValueChanged(int32_t parameterIndex, float value) override;
+    // Makes the next block see every row as changed: after a reset of the module's state, whose
+    // derived values must then be computed again.
+    void MarkAllRowsChanged() { pollAll = true; }
+    // Makes a row count as changed at the next block, from any thread.
+    void MarkRowChanged(int32_t tableIndex) { MarkParameterChanged(tableIndex + 1); }
     // Step 7 of the render path: host packets into midiToAudioQueue.
     void TransferHostMIDI(const BR::HostMidiNode* node);
     // Hands one queued item to the module's handlers, the scripts and the Learner.
@@ -186,4 +212,15 @@ protected:
     std::string shortName;
     std::vector<std::string> parameterPaths;
     float sampleRate = 48000.0f;  // read again at each BeginBlock
+
+private:
+    // Takes the changed-parameter mask and copies the values of changed rows into blockValues.
+    void PollParameters();
+
+    std::vector<float> blockValues;      // one per table row
+    std::vector<uint64_t> blockChanged;  // this block's mask, by parameter index (row k is bit k + 1)
+    bool anyRowChanged = true;
+    bool pollAll = true;
+    float polledSampleRate = 0.0f;
+    uint64_t parameterReadCount = 0;
 };

@@ -40,7 +40,11 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
     // may be gone.
     transport = record->transport ? record->transport : initialTransport;
 
-    if (!BeginBlock(frames)) return;
+    PollParameters();
+    if (!BeginBlock(frames)) {
+        MarkAllRowsChanged();  // the module saw none of this block's changes
+        return;
+    }
 
     while (BR::MessageQueueItem* item = toAudioQueue.Read())
         HandleQueuedMessage(item);

@@ -8,7 +8,9 @@ packages=(
     lv2-dev libsndfile1-dev libsmf-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev
     libx11-dev libgl-dev libfontconfig-dev libasound2-dev libjack-jackd2-dev
     sordi serdi lilv-utils jalv jackd2 xvfb liblo-tools
+    libxtst-dev libgl1-mesa-dri fonts-dejavu-core fonts-liberation
     lv2file ardour lv2-examples mda-lv2
+    liblilv-dev blop-lv2
 )
 
 missing=()

@@ -10,11 +10,12 @@
 
 namespace BR {
 
-int RunBench(double seconds, double sampleRate, unsigned blockSize) {
+int RunBench(double seconds, double sampleRate, unsigned blockSize, const std::string& only) {
     std::printf("module\tframes\tseconds\trealtime_factor\tns_per_frame\n");
     const CatalogueEntry* entries = CatalogueEntries();
     for (int i = 0; i < kNumCatalogueEntries; ++i) {
         const CatalogueEntry& entry = entries[i];
+        if (!only.empty() && FindCatalogueEntry(only) != &entry) continue;
         std::unique_ptr<BrelCorvaneBase> module = CreateModule(entry.stem);
         if (!module) continue;
         HostDriver driver(std::move(module), entry, float(sampleRate), blockSize);

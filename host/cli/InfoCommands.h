@@ -8,6 +8,7 @@ namespace BR {
 int RunList();
 int RunParams(const std::string& stem);
 // Renders every available module and prints its real-time factor; seconds of audio per module.
-int RunBench(double seconds, double sampleRate, unsigned blockSize);
+// `only`, when not empty, names the one module to run (a stem or an id).
+int RunBench(double seconds, double sampleRate, unsigned blockSize, const std::string& only = "");
 
 }  // namespace BR

@@ -5,9 +5,11 @@
 #include <string>
 
 #include "CommandLine.h"
+#include "EditCommand.h"
 #include "InfoCommands.h"
 #include "PatchJob.h"
 #include "RenderJob.h"
+#include "framework/ModuleCatalogue.h"
 
 namespace {
 
@@ -22,8 +24,10 @@ const char* kUsage =
     "      --property ID[=VALUE]...\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
+    "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
+    "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
     "  patch FILE.json           render several instances together, one WAV each\n"
-    "  bench [--seconds S] [--block N]   real-time factor of every module\n";
+    "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
 
 int Dispatch(int argc, char** argv) {
     if (argc < 2) throw BR::UsageError("no command given");
@@ -46,6 +50,7 @@ int Dispatch(int argc, char** argv) {
         std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames, job.outputPath.c_str());
         return 0;
     }
+    if (command == "edit") return BR::RunEdit(argc, argv);
     if (command == "patch") {
         if (argc != 3) throw BR::UsageError("patch needs exactly one patch file");
         const BR::Patch patch = BR::ParsePatch(argv[2]);
@@ -58,6 +63,7 @@ int Dispatch(int argc, char** argv) {
     if (command == "bench") {
         double seconds = 10;
         unsigned block = 256;
+        std::string only;
         BR::ArgumentCursor cursor(argc, argv, 2);
         std::string option;
         while (cursor.Next(option)) {
@@ -67,11 +73,15 @@ int Dispatch(int argc, char** argv) {
                     throw BR::UsageError("--seconds: must lie above 0 and up to 3600");
             } else if (option == "--block") {
                 block = unsigned(BR::ParseInteger(cursor.Value(option), "--block", 1, 1024));
+            } else if (option == "--module") {
+                only = cursor.Value(option);
+                if (!BR::FindCatalogueEntry(only))
+                    throw BR::UsageError("--module: no module \"" + only + "\"");
             } else {
                 throw BR::UsageError("bench: unknown option \"" + option + "\"");
             }
         }
-        return BR::RunBench(seconds, 48000, block);
+        return BR::RunBench(seconds, 48000, block, only);
     }
     throw BR::UsageError("unknown command \"" + command + "\"");
 }

@@ -87,6 +87,7 @@ std::unique_ptr<Lv2Instance> Lv2Instance::Create(const Lv2BundleInfo& bundle, co
 void Lv2Instance::ConnectPort(uint32_t port, void* data) {
     if (port < layout.numControls) {
         controlPorts[port] = static_cast<const float*>(data);
+        controlsLaidOut = false;
     } else if (port >= layout.firstAudioIn && port < layout.firstAudioIn + layout.numAudioIn) {
         audioIn[port - layout.firstAudioIn] = static_cast<const float*>(data);
     } else if (port >= layout.firstAudioOut && port < layout.firstAudioOut + layout.numAudioOut) {
@@ -96,8 +97,23 @@ void Lv2Instance::ConnectPort(uint32_t port, void* data) {
     }
 }
 
+bool Lv2Instance::ControlsUnchanged() {
+    const size_t n = controlPorts.size();
+    if (!controlsLaidOut) {
+        // Hosts mostly keep their control values side by side; then one comparison of the whole run
+        // tells a block in which no port moved, whatever the number of ports.
+        controlsContiguous = n != 0 && controlPorts[0];
+        for (size_t k = 1; k < n && controlsContiguous; ++k)
+            controlsContiguous = controlPorts[k] == controlPorts[0] + k;
+        controlsLaidOut = true;
+    }
+    // Equal bits mean equal values, or the same non-finite value, which the loop ignores as well.
+    return controlsContiguous && std::memcmp(controlPorts[0], lastSeen.data(), n * sizeof(float)) == 0;
+}
+
 void Lv2Instance::ReadControls() {
     const bool resync = resyncControls.exchange(false);
+    if (ControlsUnchanged()) return;
     bool anyPending = false;
     BrelCorvaneBase& module = driver->Module();
     for (uint32_t k = 0; k < layout.numControls; ++k) {

@@ -50,6 +50,8 @@ private:
     Lv2Instance(const Lv2BundleInfo& bundle, const Lv2ModuleSource& source, double sampleRate);
 
     void ReadControls();
+    // True when the ports lie side by side and none differs from lastSeen.
+    bool ControlsUnchanged();
     void CollectEvents(uint32_t frames);
     // Renders frames [from, to) of the host block, cut where inputs share buffers with outputs.
     void RenderSpan(uint32_t from, uint32_t to);
@@ -70,6 +72,8 @@ private:
 
     std::vector<const float*> controlPorts;
     std::vector<float> lastSeen;            // value each control port had at the last block
+    bool controlsLaidOut = false;           // controlsContiguous is known for the ports connected now
+    bool controlsContiguous = false;        // every control port follows the one before it in memory
     std::vector<int32_t> controlParameter;  // parameter index of each control port
     std::vector<const float*> audioIn;
     std::vector<float*> audioOut;

@@ -36,14 +36,15 @@ void BrelCorvane::InitModule() {
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    if (!RowsChanged()) return true;  // levels depend on rows alone
     for (int c = 0; c < 2; ++c) {
         const int32_t row = c * kRowsPerChannel;
-        enable[c] = GetTableValue(row + kEnableL) != 0.0f ? 1 : 0;
-        const float lo = GetTableValue(row + kMinOutputLevelL);
-        const float hi = GetTableValue(row + kMaxOutputLevelL);
+        enable[c] = BlockValue(row + kEnableL) != 0.0f ? 1 : 0;
+        const float lo = BlockValue(row + kMinOutputLevelL);
+        const float hi = BlockValue(row + kMaxOutputLevelL);
         minLevel[c] = lo;
         maxLevel[c] = hi;
-        if (GetTableValue(row + kInputPolarityL) == 0.0f) {  // "Bipolar": -1..1 spans min..max
+        if (BlockValue(row + kInputPolarityL) == 0.0f) {  // "Bipolar": -1..1 spans min..max
             offset[c] = (hi + lo) * 0.5f;
             scale[c] = (hi - lo) * 0.5f;
         } else {  // "Unipolar": 0..1 spans min..max

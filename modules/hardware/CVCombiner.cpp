@@ -41,24 +41,25 @@ void BrelCVCombinerBase::InitModule() {
 
 bool BrelCVCombinerBase::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
-    targetHardware = std::clamp(Whole(GetTableValue(0)), 0, 1);
-    targetChannel = std::clamp(Whole(GetTableValue(1)), 0, 5);
-    thruPair = Whole(GetTableValue(rows.inputThru)) - 1;
+    if (!RowsChanged()) return true;  // settings depend on rows alone
+    targetHardware = std::clamp(Whole(BlockValue(0)), 0, 1);
+    targetChannel = std::clamp(Whole(BlockValue(1)), 0, 5);
+    thruPair = Whole(BlockValue(rows.inputThru)) - 1;
     for (int32_t k = 0; k < rows.numChannels; ++k) {
-        inputSelect[k] = Whole(GetTableValue(rows.input1 + k)) - 1;
-        const uint8_t on = GetTableValue(rows.filter1 + k) != 0.0f ? 1 : 0;
+        inputSelect[k] = Whole(BlockValue(rows.input1 + k)) - 1;
+        const uint8_t on = BlockValue(rows.filter1 + k) != 0.0f ? 1 : 0;
         // Turning a filter on starts it from silence; turning it off keeps its history.
         if (on && !filterOn[k]) filters[k].Clear();
         filterOn[k] = on;
-        float o = GetTableValue(rows.offset1 + k);
+        float o = BlockValue(rows.offset1 + k);
         if (!(o == o)) o = 0.0f;
         o = std::clamp(o, -5.34f, 5.34f);
         offsetCode[k] = int32_t(o * 384.0f);
     }
-    smuxProof = GetTableValue(rows.smuxProof) != 0.0f ? 1 : 0;
-    interfaceCategory = std::clamp(Whole(GetTableValue(rows.interfaceCategory)), 0, 1);
-    adaptive = dunmore && GetTableValue(rows.adaptiveMode) != 0.0f ? 1 : 0;
-    testSignal = std::clamp(Whole(GetTableValue(rows.testSignal)), 0, 3);
+    smuxProof = BlockValue(rows.smuxProof) != 0.0f ? 1 : 0;
+    interfaceCategory = std::clamp(Whole(BlockValue(rows.interfaceCategory)), 0, 1);
+    adaptive = dunmore && BlockValue(rows.adaptiveMode) != 0.0f ? 1 : 0;
+    testSignal = std::clamp(Whole(BlockValue(rows.testSignal)), 0, 3);
     return true;
 }
 

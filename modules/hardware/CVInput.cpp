@@ -87,39 +87,40 @@ void BrelCorvane::InitModule() {
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    if (!RowsChanged()) return true;  // settings and designs depend on rows and the rate alone
     for (int c = 0; c < 2; ++c) {
         const int32_t row = c * kRowsPerChannel;
-        const int32_t newMode = std::clamp(int32_t(GetTableValue(row + kModeL)), 0, 2);
+        const int32_t newMode = std::clamp(int32_t(BlockValue(row + kModeL)), 0, 2);
         if (newMode != mode[c]) filter[c].Clear();
         mode[c] = newMode;
         if (newMode == kGenerator) {
-            const float l = GetTableValue(row + kLevelL);
+            const float l = BlockValue(row + kLevelL);
             level[c] = l * l * l;
         } else {
-            scale[c] = GetTableValue(row + kScaleL);
-            bipolar[c] = GetTableValue(row + kBipolarL) != 0.0f ? 1 : 0;
-            offset[c] = GetTableValue(kElkhornOffsetL + c);
+            scale[c] = BlockValue(row + kScaleL);
+            bipolar[c] = BlockValue(row + kBipolarL) != 0.0f ? 1 : 0;
+            offset[c] = BlockValue(kElkhornOffsetL + c);
             if (newMode == kElkhornDecoder && offset[c] > 0.0f)
-                scale[c] = GetTableValue(row + kScaleL) / offset[c];
+                scale[c] = BlockValue(row + kScaleL) / offset[c];
         }
-        float m = GetTableValue(row + kSmoothingL) * 0.001f * sampleRate;
+        float m = BlockValue(row + kSmoothingL) * 0.001f * sampleRate;
         if (newMode == kElkhornDecoder) {
             // Forces at least the one-pole of "Elkhorn Force Smooth"; a slew limiter set by hand wins.
-            const float f = GetTableValue(kElkhornForceSmooth) * 0.001f * sampleRate;
+            const float f = BlockValue(kElkhornForceSmooth) * 0.001f * sampleRate;
             if (!(m > 0.0f) && m > f) m = f;
         }
         slew[c] = m > 0.5f ? 2.0f / m : 0.0f;
         onePole[c] = m < -0.5f ? std::exp(5.2f / m) : 0.0f;
     }
-    const float cutoff = std::clamp(GetTableValue(kElkhornFilterFreq), 0.068f, 1.0f);
+    const float cutoff = std::clamp(BlockValue(kElkhornFilterFreq), 0.068f, 1.0f);
     if (cutoff != filterFreq) {
         filterFreq = cutoff;
         coefficients.Design(0.0, cutoff);
     }
     const float rate = SaneRate(sampleRate);
-    const float centre = GetTableValue(kElkhornCentre);
-    const float t1 = GetTableValue(kElkhornTau1) * 1e-7f;
-    const float t2 = GetTableValue(kElkhornTau2) * 0.001f;
+    const float centre = BlockValue(kElkhornCentre);
+    const float t1 = BlockValue(kElkhornTau1) * 1e-7f;
+    const float t2 = BlockValue(kElkhornTau2) * 0.001f;
     const PllCoefficients& p = pllCoefficients;
     if (rate != p.sampleRate || centre != p.centre || t1 != p.tau1 || t2 != p.tau2) {
         DesignPll(pllCoefficients, rate, centre, t1, t2);

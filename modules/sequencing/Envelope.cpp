@@ -27,20 +27,31 @@ float EnvTimeMultiplier(float multiplierIndex) {
     return std::pow(10.0f, multiplierIndex - 1.0f);
 }
 
-void ReadEnvParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out) {
+namespace {
+template <typename Read>
+void ReadEnvRows(const EnvParameterRows& rows, EnvParameters& out, Read value) {
     for (int32_t s = 0; s < kNumEnvSegments; ++s) {
-        out.time[s] = module.GetTableValue(rows.timeA1 + s);
-        out.shape[s] = module.GetTableValue(rows.timeA1 + kNumEnvSegments + s);
-        out.type[s] = int32_t(module.GetTableValue(rows.typeA1 + s));
+        out.time[s] = value(rows.timeA1 + s);
+        out.shape[s] = value(rows.timeA1 + kNumEnvSegments + s);
+        out.type[s] = int32_t(value(rows.typeA1 + s));
     }
     const int32_t levels = rows.timeA1 + 2 * kNumEnvSegments;
-    out.levelA1 = module.GetTableValue(levels);
-    out.levelA2 = module.GetTableValue(levels + 1);
-    out.sustain = module.GetTableValue(levels + 2);
-    out.levelR1 = module.GetTableValue(levels + 3);
-    out.velocityDepth = module.GetTableValue(rows.velocityDepth);
-    out.resetToZero = module.GetTableValue(rows.resetToZero) != 0.0f;
-    out.multiplier = module.GetTableValue(rows.multiplier);
+    out.levelA1 = value(levels);
+    out.levelA2 = value(levels + 1);
+    out.sustain = value(levels + 2);
+    out.levelR1 = value(levels + 3);
+    out.velocityDepth = value(rows.velocityDepth);
+    out.resetToZero = value(rows.resetToZero) != 0.0f;
+    out.multiplier = value(rows.multiplier);
+}
+}  // namespace
+
+void ReadEnvParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out) {
+    ReadEnvRows(rows, out, [&](int32_t row) { return module.GetTableValue(row); });
+}
+
+void ReadEnvBlockParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out) {
+    ReadEnvRows(rows, out, [&](int32_t row) { return module.BlockValue(row); });
 }
 
 void setupEnvStage(EnvStage& stage, int32_t type, float time, float shape, float startLevel, float endLevel,

@@ -94,6 +94,8 @@ float EnvTimeMultiplier(float multiplierIndex);
 
 // Reads one envelope's parameter rows from a module.
 void ReadEnvParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out);
+// The same from the values the present block sees (the render path's reading).
+void ReadEnvBlockParameters(const BrelCorvaneBase& module, const EnvParameterRows& rows, EnvParameters& out);
 
 // Prepares one segment from `startLevel` to `endLevel` lasting `time` seconds (after the multiplier);
 // every segment lasts at least one sample.

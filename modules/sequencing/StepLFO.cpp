@@ -143,8 +143,12 @@ void BrelCorvane::ParameterValueChanged(int32_t parameterIndex, float value) {
     for (int lane = 0; lane < kNumLanes; ++lane) {
         if (row >= kStepRows[lane] && row < kStepRows[lane] + kNumSteps)
             stepValues[lane][row - kStepRows[lane]] = value;
-        if (row >= kDACBitRows[lane] && row < kDACBitRows[lane] + BR::kNumDACBits)
+        if (row >= kDACBitRows[lane] && row < kDACBitRows[lane] + BR::kNumDACBits) {
             dacBitValues[lane][row - kDACBitRows[lane]] = value;
+            // The DAC scale derives from the mirror: a notification that comes after its store
+            // (hosts that store on the audio thread and notify later) must bring a new reading.
+            MarkRowChanged(row);
+        }
     }
     BrelCorvaneBase::ParameterValueChanged(parameterIndex, value);
 }
@@ -172,27 +176,81 @@ bool BrelCorvane::BeginBlock(uint32_t frames) {
             WriteBackSteps(lane);
     wasPlaying = playing;
 
+    // Row-derived settings are read again only in blocks where a row changed; what follows the
+    // transport (rates at tempo, swing, phase locking, the stopped state) is worked out every block.
+    const bool rowsChanged = RowsChanged();
     double previousRate = 0.0;  // "Quadrature" takes the rate of the lane handled just before
     for (int lane = 0; lane < kNumLanes; ++lane) {
+        if (rowsChanged) ReadLaneRows(lane);
         previousRate = ReadLane(lane, playing, tempo, position, previousRate);
-        ReadRandom(lane);
+        if (rowsChanged) ReadRandom(lane);
     }
     return true;
 }
 
-double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double position, double previousRate) {
+void BrelCorvane::ReadLaneRows(int lane) {
     LaneSettings& c = settings[lane];
-    LaneState& st = lanes[lane];
-    auto row = [this, lane](int32_t k) { return GetTableValue(kLaneRows[lane] + k); };
+    LaneRows& rows = laneRows[lane];
+    auto row = [this, lane](int32_t k) { return BlockValue(kLaneRows[lane] + k); };
 
-    const double swingBeat = int32_t(row(kSwingType)) == 0 ? 0.5 : 1.0;  // quarter notes
+    rows.swingBeat = int32_t(row(kSwingType)) == 0 ? 0.5 : 1.0;  // quarter notes
     c.startIndex = std::clamp(int32_t(row(kStartStep)) - 1, 0, kNumSteps - 1);
     int32_t lastStep = int32_t(row(kLengthMode)) == 0 ? c.startIndex + int32_t(row(kLengthInSteps)) - 1
                                                       : int32_t(row(kEndStep)) - 1;
     lastStep = std::min(std::max(lastStep, c.startIndex), kNumSteps - 1);
     c.stepCount = lastStep - c.startIndex + 1;
+    rows.swing = row(kSwing);
 
-    const float swing = row(kSwing);
+    const bool stepMode = row(kSpeedMode) != 0.0f;
+    c.syncMode = std::clamp(int32_t(row(kSync)), 0, int32_t(kTrigTempo));
+    c.startPhase = row(kPhase) / 360.0;
+    double r = row(kSpeed) * kSpeedFactors[std::clamp(int32_t(row(kSpeedMultiplier)), 0, 3)];
+    if (stepMode) r /= c.stepCount;
+    rows.freeRate = r;
+    // q: the cycle in quarter notes, with 2^x as exp(x * ln 2) in single precision.
+    float q = std::exp(-float(int32_t(row(kBeatDivisor))) * 0.6931472f) * 4.0f * row(kBeats);
+    if (row(kTriplet) != 0.0f) q = q * 2.0f / 3.0f;
+    if (stepMode) q *= float(c.stepCount);
+    rows.cycleQuarters = q;
+
+    rows.offset = row(kOffset);
+    rows.multiplier = row(kMultiplier);
+    c.bipolar = row(kRangeMode) != 0.0f;
+    c.linear = row(kInterpolation) != 0.0f;
+    c.asymmetry = row(kAsymmetry) * 0.005f + 0.5f;
+    switch (int32_t(row(kInputMode))) {
+        case 1:  // Multiply
+            c.inputGain = 0.0f, c.stepGain = 0.0f, c.productGain = 1.0f;
+            break;
+        case 2:  // Combine
+            c.inputGain = 1.0f, c.stepGain = 0.0f, c.productGain = 1.0f;
+            break;
+        default:  // Add
+            c.inputGain = 1.0f, c.stepGain = 1.0f, c.productGain = 0.0f;
+            break;
+    }
+    auto selector = [this](int32_t tableRow) {
+        return std::clamp(int32_t(BlockValue(tableRow)), 0, kNumInputs);
+    };
+    c.signalInput = selector(kInputRows[lane] + kSignalInput);
+    c.triggerInput = selector(kInputRows[lane] + kTriggerInput);
+    c.resetInput = selector(kInputRows[lane] + kResetInput);
+    c.gateLength = BlockValue(kGateRows[lane]) * 0.01f;
+    c.resetKind = int32_t(BlockValue(kResetRows[lane] + kResetByNote));
+    c.resetNoteMin = int32_t(BlockValue(kResetRows[lane] + kResetNoteMin));
+    c.resetNoteMax = int32_t(BlockValue(kResetRows[lane] + kResetNoteMax));
+    c.triggerNoteMin = int32_t(BlockValue(kResetRows[lane] + kTriggerNoteMin));
+    c.triggerNoteMax = int32_t(BlockValue(kResetRows[lane] + kTriggerNoteMax));
+    lanes[lane].smoother.Configure(row(kSmoothing), sampleRate);
+}
+
+double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double position, double previousRate) {
+    LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const LaneRows& rows = laneRows[lane];
+
+    const double swingBeat = rows.swingBeat;
+    const float swing = rows.swing;
     if (std::fabs(swing - 50.0f) <= 0.1f || tempo == 0.0 || !playing) {
         c.swingAmount = -1.0f;
     } else {
@@ -201,25 +259,18 @@ double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double positi
         c.swingPeriod = swingBeat * 60.0 * sampleRate / tempo;
     }
 
-    const bool stepMode = row(kSpeedMode) != 0.0f;
-    c.syncMode = std::clamp(int32_t(row(kSync)), 0, int32_t(kTrigTempo));
-    c.startPhase = row(kPhase) / 360.0;
     double r = 0.0;
     switch (c.syncMode) {
         case kFree:
         case kTrigFree:
-            r = row(kSpeed) * kSpeedFactors[std::clamp(int32_t(row(kSpeedMultiplier)), 0, 3)];
-            if (stepMode) r /= c.stepCount;
+            r = rows.freeRate;
             break;
         case kQuadrature:
             st.phase = Frac(lanes[1 - lane].phase + c.startPhase);
             r = lane == 0 ? 0.0 : previousRate;
             break;
         default: {
-            // q: the cycle in quarter notes, with 2^x as exp(x * ln 2) in single precision.
-            float q = std::exp(-float(int32_t(row(kBeatDivisor))) * 0.6931472f) * 4.0f * row(kBeats);
-            if (row(kTriplet) != 0.0f) q = q * 2.0f / 3.0f;
-            if (stepMode) q *= float(c.stepCount);
+            const float q = rows.cycleQuarters;
             r = q > 0.0f ? tempo / (double(q) * 60.0) : 0.0;
             if (c.syncMode == kTransport && playing) {
                 double p = position;
@@ -241,35 +292,8 @@ double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double positi
     }
     c.rate = r / sampleRate;
     if (c.syncMode != kTrigFree && c.syncMode != kTrigTempo) st.increment = c.rate;
-
-    c.offset = row(kOffset);
-    c.multiplier = row(kMultiplier);
-    c.bipolar = row(kRangeMode) != 0.0f;
-    c.linear = row(kInterpolation) != 0.0f;
-    c.asymmetry = row(kAsymmetry) * 0.005f + 0.5f;
-    switch (int32_t(row(kInputMode))) {
-        case 1:  // Multiply
-            c.inputGain = 0.0f, c.stepGain = 0.0f, c.productGain = 1.0f;
-            break;
-        case 2:  // Combine
-            c.inputGain = 1.0f, c.stepGain = 0.0f, c.productGain = 1.0f;
-            break;
-        default:  // Add
-            c.inputGain = 1.0f, c.stepGain = 1.0f, c.productGain = 0.0f;
-            break;
-    }
-    auto selector = [this](int32_t tableRow) {
-        return std::clamp(int32_t(GetTableValue(tableRow)), 0, kNumInputs);
-    };
-    c.signalInput = selector(kInputRows[lane] + kSignalInput);
-    c.triggerInput = selector(kInputRows[lane] + kTriggerInput);
-    c.resetInput = selector(kInputRows[lane] + kResetInput);
-    c.gateLength = GetTableValue(kGateRows[lane]) * 0.01f;
-    c.resetKind = int32_t(GetTableValue(kResetRows[lane] + kResetByNote));
-    c.resetNoteMin = int32_t(GetTableValue(kResetRows[lane] + kResetNoteMin));
-    c.resetNoteMax = int32_t(GetTableValue(kResetRows[lane] + kResetNoteMax));
-    c.triggerNoteMin = int32_t(GetTableValue(kResetRows[lane] + kTriggerNoteMin));
-    c.triggerNoteMax = int32_t(GetTableValue(kResetRows[lane] + kTriggerNoteMax));
+    c.offset = rows.offset;
+    c.multiplier = rows.multiplier;
 
     if (!playing && c.syncMode == kTransport) {
         // The lane's steps drop out of the output while the transport stands. The increment stops too:
@@ -283,14 +307,13 @@ double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double positi
         st.pendingReset = false;
     }
     if (!playing || c.syncMode != kTransport) st.phaseOffset = 0.0;
-    st.smoother.Configure(row(kSmoothing), sampleRate);
     return r;
 }
 
 void BrelCorvane::ReadRandom(int lane) {
     BR::RandomSettings& rs = settings[lane].random;
     const int32_t base = kRandomRows[lane];
-    const bool enabled = GetTableValue(base + kRandomEnable) != 0.0f;
+    const bool enabled = BlockValue(base + kRandomEnable) != 0.0f;
     if (enabled != rs.randomEnabled) {
         rs.randomEnabled = enabled;
         if (!enabled) {
@@ -299,17 +322,17 @@ void BrelCorvane::ReadRandom(int lane) {
         }
     }
     if (!enabled) return;
-    rs.randomMode = int32_t(GetTableValue(base + kRandomMode));
-    rs.setNext = GetTableValue(base + kRandomSetNext) != 0.0f;
-    rs.registerLength = std::clamp(int32_t(GetTableValue(base + kRegisterLength)), 1, BR::kMaxRegisterLength);
-    rs.dacBits = std::clamp(int32_t(GetTableValue(base + kDACBitCount)), 1, BR::kNumDACBits);
-    rs.randomness = GetTableValue(base + kRandomness);
-    rs.dacEnabled = GetTableValue(kDACRows[lane] + kDACEnable) != 0.0f;
+    rs.randomMode = int32_t(BlockValue(base + kRandomMode));
+    rs.setNext = BlockValue(base + kRandomSetNext) != 0.0f;
+    rs.registerLength = std::clamp(int32_t(BlockValue(base + kRegisterLength)), 1, BR::kMaxRegisterLength);
+    rs.dacBits = std::clamp(int32_t(BlockValue(base + kDACBitCount)), 1, BR::kNumDACBits);
+    rs.randomness = BlockValue(base + kRandomness);
+    rs.dacEnabled = BlockValue(kDACRows[lane] + kDACEnable) != 0.0f;
     if (rs.dacEnabled) {
-        rs.dacRangeMode = int32_t(GetTableValue(kDACRows[lane] + kDACRangeMode));
+        rs.dacRangeMode = int32_t(BlockValue(kDACRows[lane] + kDACRangeMode));
         rs.dacScaleFactor =
-            BR::DACScaleFactor(int32_t(GetTableValue(kDACRows[lane] + kDACScaleMode)), rs.dacBits,
-                               GetTableValue(kDACRows[lane] + kDACScale), dacBitValues[lane]);
+            BR::DACScaleFactor(int32_t(BlockValue(kDACRows[lane] + kDACScaleMode)), rs.dacBits,
+                               BlockValue(kDACRows[lane] + kDACScale), dacBitValues[lane]);
     }
 }
 

@@ -100,6 +100,15 @@ struct LaneSettings {
     BR::RandomSettings random;
 };
 
+// What a lane derives from its rows alone; read again only in blocks where a row changed.
+struct LaneRows {
+    double swingBeat = 0.5;  // quarter notes
+    float swing = 50.0f;
+    double freeRate = 0.0;       // cycles per second in the free modes
+    float cycleQuarters = 0.0f;  // the cycle in quarter notes in the tempo modes
+    float offset = 0.0f, multiplier = 1.0f;
+};
+
 struct LaneState {
     double phase = 0.0;
     double increment = 0.0;
@@ -147,6 +156,7 @@ protected:
 private:
     // Returns the lane's rate in cycles per second, for a following lane in "Quadrature".
     double ReadLane(int lane, bool playing, double tempo, double position, double previousRate);
+    void ReadLaneRows(int lane);
     void ReadRandom(int lane);
     void WriteBackSteps(int lane);
     void ApplyEdits();
@@ -159,6 +169,7 @@ private:
     double PhaseOfStepStart(int lane, int32_t relativeStep) const;
 
     LaneSettings settings[kNumLanes];
+    LaneRows laneRows[kNumLanes];
     LaneState lanes[kNumLanes];
     float stepValues[kNumLanes][kNumSteps];  // mirror of the step rows; the random register writes here
     float dacBitValues[kNumLanes][BR::kNumDACBits];

@@ -270,6 +270,17 @@ void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t fra
         v = v * multiplier + offset;
         const float in = x ? x[i] : 0.0f;
         out[i] = v * stepGain + in * inputGain + v * in * productGain;
+        if (increment == 0.0 && phase >= 0.0 && phase < 1.0) {
+            // Standing (a triggered lane waiting, or no rate): every further sample of this pass meets
+            // the same phase, step and value, so only the input's share moves.
+            if (x) {
+                for (uint32_t j = i + 1; j < frames; ++j)
+                    out[j] = v * stepGain + x[j] * inputGain + v * x[j] * productGain;
+            } else {
+                std::fill(out + i + 1, out + frames, out[i]);
+            }
+            break;
+        }
     }
     st.phase = phase;
     st.increment = increment;

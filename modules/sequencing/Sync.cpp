@@ -163,59 +163,54 @@ void BrelCorvane::InitModule() {
 
 void BrelCorvane::ReadSettings() {
     SyncSettings& s = settings;
-    s.dinsyncType = int32_t(GetTableValue(kDINsyncType));
+    s.dinsyncType = int32_t(BlockValue(kDINsyncType));
     if (s.dinsyncType == kType24 || s.dinsyncType == kType48) {
         s.base = 24.0 * s.dinsyncType;
     } else if (s.dinsyncType == kTypeCustom) {
-        s.base = std::max(1.0, double(int32_t(GetTableValue(kPPQN))));
+        s.base = std::max(1.0, double(int32_t(BlockValue(kPPQN))));
     } else {
         s.base = 0.0;
     }
-    const double multiplier = std::max(1.0, double(int32_t(GetTableValue(kMultiplier))));
+    const double multiplier = std::max(1.0, double(int32_t(BlockValue(kMultiplier))));
     // "Multiplier" divides the rate: the name is the table's, the arithmetic is this.
-    s.tickRate = std::ldexp(s.base, -int32_t(GetTableValue(kDivisor))) / multiplier;
-    s.clockOutput = int32_t(GetTableValue(kClockOutput));
-    s.runOutput = int32_t(GetTableValue(kRunOutput));
-    s.offsetSeconds = double(GetTableValue(kOffset)) * 0.001;
-    s.firstDelay = GetTableValue(kFirstDelay) != 0.0f;
-    s.muteClocks = GetTableValue(kMuteClocks) != 0.0f;
-    s.skipFirstClock = GetTableValue(kSkipFirstClock) != 0.0f;
-    s.enableFSK = GetTableValue(kEnableFSK) != 0.0f;
-    s.clockLow = GetTableValue(kClockLow);
-    s.clockHigh = GetTableValue(kClockHigh);
-    s.runLow = GetTableValue(kRunLow);
-    s.runHigh = GetTableValue(kRunHigh);
-    s.hardwareMode = std::clamp(int32_t(GetTableValue(kHardwareMode)), 0, 2);
-    s.interfaceCategory = std::clamp(int32_t(GetTableValue(kInterfaceCategory)), 0, 1);
-    s.runSignalType = int32_t(GetTableValue(kRunSignalType));
+    s.tickRate = std::ldexp(s.base, -int32_t(BlockValue(kDivisor))) / multiplier;
+    s.clockOutput = int32_t(BlockValue(kClockOutput));
+    s.runOutput = int32_t(BlockValue(kRunOutput));
+    s.offsetSeconds = double(BlockValue(kOffset)) * 0.001;
+    s.firstDelay = BlockValue(kFirstDelay) != 0.0f;
+    s.muteClocks = BlockValue(kMuteClocks) != 0.0f;
+    s.skipFirstClock = BlockValue(kSkipFirstClock) != 0.0f;
+    s.enableFSK = BlockValue(kEnableFSK) != 0.0f;
+    s.clockLow = BlockValue(kClockLow);
+    s.clockHigh = BlockValue(kClockHigh);
+    s.runLow = BlockValue(kRunLow);
+    s.runHigh = BlockValue(kRunHigh);
+    s.hardwareMode = std::clamp(int32_t(BlockValue(kHardwareMode)), 0, 2);
+    s.interfaceCategory = std::clamp(int32_t(BlockValue(kInterfaceCategory)), 0, 1);
+    s.runSignalType = int32_t(BlockValue(kRunSignalType));
     const double rate = double(sampleRate);
-    s.runPulseLength = std::max(1, int32_t(double(GetTableValue(kRunTriggerLength)) * rate * 0.001));
-    triggerSamples = std::max(0, int32_t(double(GetTableValue(kTriggerLength)) * rate * 0.001));
+    s.runPulseLength = std::max(1, int32_t(double(BlockValue(kRunTriggerLength)) * rate * 0.001));
+    triggerSamples = std::max(0, int32_t(double(BlockValue(kTriggerLength)) * rate * 0.001));
 
-    const float swing = GetTableValue(kSwing);
+    const float swing = BlockValue(kSwing);
     swingOn = std::fabs(swing - 50.0f) > 0.1f;
     swingAmount = std::clamp(swing * 0.01f, 0.05f, 0.95f);
-    swingUnit = s.tickRate * (GetTableValue(kSwingType) == 0.0f ? 0.5 : 1.0);
-    const float runBeats = GetTableValue(kRunBeats);
+    swingUnit = s.tickRate * (BlockValue(kSwingType) == 0.0f ? 0.5 : 1.0);
+    const float runBeats = BlockValue(kRunBeats);
     if (s.runSignalType != kRunLevel && runBeats != 0.0f) {
-        const double ticks =
-            std::ldexp(s.tickRate, -int32_t(GetTableValue(kRunBeatDivisor))) * 4.0 * runBeats;
+        const double ticks = std::ldexp(s.tickRate, -int32_t(BlockValue(kRunBeatDivisor))) * 4.0 * runBeats;
         runInterval = TickNumber(ticks);
     } else {
         runInterval = 0;
     }
-    settingsFresh = true;
-}
-
-void BrelCorvane::BeginSlice(uint32_t, uint32_t) {
-    // Values read by BeginBlock or a BeginSlice with no chunk rendered since are still the current ones.
-    if (!settingsFresh) ReadSettings();
 }
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
     blockFramesDone = 0;
-    ReadSettings();
+    // The settings depend on rows and the rate alone, and a block sees constant rows: they are
+    // read again only in a block where a row changed, and hold for all its chunks.
+    if (RowsChanged()) ReadSettings();
     // A block of no length moves nothing on: it must not look like a jump back to the loop logic.
     if (frames != 0) ReadTransport();
     return true;
@@ -443,9 +438,7 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
         end = std::max(end, pos + 1);
         const uint32_t length = uint32_t(end - pos);
 
-        BeginSlice(length, 0);
         RenderChunk(inputs, outputs, uint32_t(pos), length);
-        settingsFresh = false;
 
         if (clockPhase != kPhaseRest) {
             phaseSamples -= int32_t(length);

@@ -48,7 +48,7 @@ enum ClockPhase : int32_t {
     kPhaseHighSecond = 6,  // a pulse after a low gap, a quarter period
 };
 
-// Parameters as the clock uses them, refreshed by BeginSlice.
+// Parameters as the clock uses them, read again in blocks where a row changed.
 struct SyncSettings {
     int32_t dinsyncType;
     double base;      // ticks per quarter before the divisor and the multiplier
@@ -74,7 +74,6 @@ public:
 
     void InitModule() override;
     bool BeginBlock(uint32_t frames) override;
-    void BeginSlice(uint32_t frames, uint32_t reserved) override;
     void ProcessSlice(float** inputs, float** outputs, uint32_t frames) override;
     int32_t GetParameterValueStrings(int32_t tableIndex, BR::CountedTextList** out) override;
     uint32_t GetParameterFlags(int32_t tableIndex) override;
@@ -109,7 +108,6 @@ private:
     double ToSwung(double x) const;
 
     SyncSettings settings{};
-    bool settingsFresh = false;  // read since the last chunk was rendered: the next BeginSlice may skip
 
     // Transport, read once a block.
     bool playing = false;

@@ -65,7 +65,7 @@ BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
 
 float BrelCorvane::Value(int32_t tableIndex) const {
     // Before the parameter objects exist, the table's defaults stand in for them.
-    return GetParameter(tableIndex + 1) ? GetTableValue(tableIndex) : parameterTable[tableIndex].defaultValue;
+    return GetParameter(tableIndex + 1) ? BlockValue(tableIndex) : parameterTable[tableIndex].defaultValue;
 }
 
 void BrelCorvane::InitModule() {
@@ -90,7 +90,7 @@ void BrelCorvane::PrepareParameterRestore() {
 void BrelCorvane::CacheParameters() {
     // Envelope rows first, so that envBlockUpdate lets the sustain knob act at once on a held note.
     if (GetParameter(kEnvTimeA1 + 1)) {
-        BR::ReadEnvParameters(*this, kEnvRows, envParameters);
+        BR::ReadEnvBlockParameters(*this, kEnvRows, envParameters);
     } else {
         envParameters = BR::EnvParameters();  // the table's defaults
     }
@@ -106,8 +106,20 @@ void BrelCorvane::CacheParameters() {
     smoother.Configure(Value(kSmoothing), sampleRate);
 }
 
+bool BrelCorvane::BeginBlock(uint32_t frames) {
+    if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    // What CacheParameters derives depends on rows and the rate alone, and a block sees constant
+    // rows: it runs again only in a block where a row changed. Kept at the first slice, after the
+    // events at the block's first frame, which still meet the settings of the block before.
+    rowsPending = rowsPending || RowsChanged();
+    return true;
+}
+
 void BrelCorvane::BeginSlice(uint32_t, uint32_t) {
-    CacheParameters();
+    if (rowsPending) {
+        CacheParameters();
+        rowsPending = false;
+    }
     BR::envBlockUpdate(envelope, envParameters, sampleRate, status.As<TriggerStatus>().envelope);
 }
 

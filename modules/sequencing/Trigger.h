@@ -53,6 +53,7 @@ public:
     int32_t SetProperty(uint32_t id, const void* data, uint32_t size) override;
     void InitModule() override;
     void PrepareParameterRestore() override;
+    bool BeginBlock(uint32_t frames) override;
     void BeginSlice(uint32_t frames, uint32_t reserved) override;
     void ProcessSlice(float** inputs, float** outputs, uint32_t frames) override;
     void HandleQueuedMessage(BR::MessageQueueItem* item) override;
@@ -97,6 +98,7 @@ private:
     int32_t outputMode = kModeGate;
     bool overrideActive = false;
     float overrideValue = 0.0f;
+    bool rowsPending = true;  // rows changed since CacheParameters last ran
     bool cvTriggerEnabled = false;
     float cvThreshold = 0.0f;
     BR::OutputSmoother smoother;  // slewStep, onePoleCoefficient, smoothState

@@ -299,6 +299,7 @@ void BrelCorvane::PrepareParameterRestore() {
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    rowsPending = rowsPending || RowsChanged();
     // Events at the block's first frame meet this block's settings.
     ReadParameters();
     UpdateNoteOutputs();
@@ -307,7 +308,7 @@ bool BrelCorvane::BeginBlock(uint32_t frames) {
 
 void BrelCorvane::BeginSlice(uint32_t frames, uint32_t) {
     // The vibrato steps once per sub-block; its rate of change is bounded by the block size.
-    lfoPhase += float(frames) / sampleRate * GetTableValue(kPitchLFOSpeed);
+    lfoPhase += float(frames) / sampleRate * BlockValue(kPitchLFOSpeed);
     lfoPhase -= std::floor(lfoPhase);
     sine = BR::PolySine(lfoPhase);
     ReadParameters();
@@ -317,8 +318,8 @@ void BrelCorvane::BeginSlice(uint32_t frames, uint32_t) {
 }
 
 void BrelCorvane::SelectMode() {
-    polyMode = int32_t(GetTableValue(kPolyMode));
-    const int32_t number = std::clamp(int32_t(GetTableValue(kPolyphonyVoice)), 1, kMaxVoices);
+    polyMode = int32_t(BlockValue(kPolyMode));
+    const int32_t number = std::clamp(int32_t(BlockValue(kPolyphonyVoice)), 1, kMaxVoices);
     if (polyMode == kPolyMaster) {
         mode = kModeMaster;  // also ends a measurement
         polyphony = number;
@@ -329,25 +330,50 @@ void BrelCorvane::SelectMode() {
 }
 
 void BrelCorvane::ReadParameters() {
+    // What derives from rows alone is read again only after a block in which a row changed; the
+    // rest is state that notes and measurements move between slices, and is set at every call.
+    if (rowsPending) {
+        ReadRows();
+        rowsPending = false;
+    }
     SelectMode();
-    notePriority = int32_t(GetTableValue(kNotePriority));
-    retriggerMode = int32_t(GetTableValue(kRetriggerMode));
-    pitchWheelRange = GetTableValue(kPitchWheelRange);
-    for (int32_t e = 0; e < kNumEnvelopes; ++e)
-        BR::ReadEnvParameters(*this, EnvelopeRows(e), envParameters[e]);
-    pitch.randomCents = GetTableValue(kRandomTuning);
-    pitch.override = GetTableValue(kOverridePitch) != 0.0f;
-    pitch.overrideNote = GetTableValue(kPitch);
-    pitch.vibratoCents = GetTableValue(kPitchLFODepth);
-    pitch.detuneCents = GetTableValue(kDetune);
-    pitch.transpose = GetTableValue(kTranspose);
-
-    portamentoMode = int32_t(GetTableValue(kPortamentoMode));
-    const float time = GetTableValue(kPortamentoTime);
     switch (portamentoMode) {
         case kPortaAuto:
             portamentoActive = true;
-            [[fallthrough]];
+            break;
+        case kPortaFingered:
+            break;
+        case kPortaCTAuto:
+            portamentoActive = glideSamples != 0;
+            break;
+        case kPortaCTFingered:
+            if (glideSamples == 0) portamentoActive = false;
+            break;
+        default:
+            portamentoActive = false;
+            break;
+    }
+    display->mode = mode;
+    display->measureStep = measurement.Step();
+}
+
+void BrelCorvane::ReadRows() {
+    notePriority = int32_t(BlockValue(kNotePriority));
+    retriggerMode = int32_t(BlockValue(kRetriggerMode));
+    pitchWheelRange = BlockValue(kPitchWheelRange);
+    for (int32_t e = 0; e < kNumEnvelopes; ++e)
+        BR::ReadEnvBlockParameters(*this, EnvelopeRows(e), envParameters[e]);
+    pitch.randomCents = BlockValue(kRandomTuning);
+    pitch.override = BlockValue(kOverridePitch) != 0.0f;
+    pitch.overrideNote = BlockValue(kPitch);
+    pitch.vibratoCents = BlockValue(kPitchLFODepth);
+    pitch.detuneCents = BlockValue(kDetune);
+    pitch.transpose = BlockValue(kTranspose);
+
+    portamentoMode = int32_t(BlockValue(kPortamentoMode));
+    const float time = BlockValue(kPortamentoTime);
+    switch (portamentoMode) {
+        case kPortaAuto:
         case kPortaFingered: {
             // Time 0 gives exp(-infinity), 0: the pitch jumps. Computed again only when it changes.
             const float samples = time * sampleRate;
@@ -359,38 +385,32 @@ void BrelCorvane::ReadParameters() {
             break;
         }
         case kPortaCTAuto:
-            portamentoActive = true;
-            [[fallthrough]];
         case kPortaCTFingered:
             glideSamples = uint32_t(std::max(0, int32_t(time * sampleRate)));
-            if (glideSamples == 0) {
-                portamentoActive = false;
-            } else {
+            if (glideSamples != 0) {
                 portamentoCoefficient = 1.0f / float(glideSamples);
-                glideShape = GetTableValue(kPortamentoShape);
+                glideShape = BlockValue(kPortamentoShape);
             }
             break;
         default:
             portamentoCoefficient = 0.0f;
-            portamentoActive = false;
             break;
     }
 
-    gate.openVoltage = gateOpenVoltage = GetTableValue(kGateOpenVoltage);
-    gate.closedVoltage = GetTableValue(kGateClosedVoltage);
-    gate.override = GetTableValue(kOverrideGate) != 0.0f;
-    gate.overrideVoltage = GetTableValue(kGate);
-    triggerOn = GetTableValue(kTriggerOnVoltage);
-    triggerOff = GetTableValue(kTriggerOffVoltage);
-    triggerLengthSamples =
-        uint32_t(std::max(1, int32_t(sampleRate * GetTableValue(kTriggerLength) * 0.001f)));
-    velocityLow = GetTableValue(kVelocityMinVoltage);
-    velocityRange = GetTableValue(kVelocityMaxVoltage) - velocityLow;
+    gate.openVoltage = gateOpenVoltage = BlockValue(kGateOpenVoltage);
+    gate.closedVoltage = BlockValue(kGateClosedVoltage);
+    gate.override = BlockValue(kOverrideGate) != 0.0f;
+    gate.overrideVoltage = BlockValue(kGate);
+    triggerOn = BlockValue(kTriggerOnVoltage);
+    triggerOff = BlockValue(kTriggerOffVoltage);
+    triggerLengthSamples = uint32_t(std::max(1, int32_t(sampleRate * BlockValue(kTriggerLength) * 0.001f)));
+    velocityLow = BlockValue(kVelocityMinVoltage);
+    velocityRange = BlockValue(kVelocityMaxVoltage) - velocityLow;
 
     for (int32_t o = 0; o < kNumOutputs; ++o) {
         for (int32_t k = 0; k < kNumSources; ++k)
-            mix[o][k] = GetTableValue(kOutput1Offset + o * kNumSources + k);
-        const float ms = GetTableValue(kOutput1Smoothing + o);
+            mix[o][k] = BlockValue(kOutput1Offset + o * kNumSources + k);
+        const float ms = BlockValue(kOutput1Smoothing + o);
         if (ms != smoothingUsed[o] || sampleRate != smoothingRate) {
             smoothingUsed[o] = ms;
             smoother[o].Configure(ms, sampleRate);
@@ -398,17 +418,15 @@ void BrelCorvane::ReadParameters() {
     }
     smoothingRate = sampleRate;
 
-    hardwareMode = std::clamp(int32_t(GetTableValue(kHardwareMode)), 0, 3);
+    hardwareMode = std::clamp(int32_t(BlockValue(kHardwareMode)), 0, 3);
     if (hardwareMode == 1)
         for (int32_t b = 0; b < 3; ++b)
-            bipolar[b] = GetTableValue(kBipolar3 + b) != 0.0f;
+            bipolar[b] = BlockValue(kBipolar3 + b) != 0.0f;
     if (hardwareMode != 0) {
-        targetHardware = std::clamp(int32_t(GetTableValue(kTargetHardware)), 0, 1);
-        targetChannel = std::clamp(int32_t(GetTableValue(kTargetChannel)), 0, 5);
+        targetHardware = std::clamp(int32_t(BlockValue(kTargetHardware)), 0, 1);
+        targetChannel = std::clamp(int32_t(BlockValue(kTargetChannel)), 0, 5);
     }
-    interfaceCategory = std::clamp(int32_t(GetTableValue(kInterfaceCategory)), 0, 1);
-    display->mode = mode;
-    display->measureStep = measurement.Step();
+    interfaceCategory = std::clamp(int32_t(BlockValue(kInterfaceCategory)), 0, 1);
 }
 
 void BrelCorvane::UpdateNoteOutputs() {

@@ -157,6 +157,7 @@ public:
 private:
     // Parameters read at each block and sub-block start.
     void ReadParameters();
+    void ReadRows();
     void SelectMode();
     // Pitch, gate and velocity of the present note with those parameters; a voice runs it again after
     // the events of a marker, so that a note acts from the marker's sample on.
@@ -234,6 +235,7 @@ private:
     float lfoPhase;
     float pitchTarget, glidePitch;
     bool portamentoActive;
+    bool rowsPending = true;  // rows changed since ReadRows last ran
     int32_t portamentoMode;
     float portamentoCoefficient;
     uint32_t glideSamples;

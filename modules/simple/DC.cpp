@@ -45,13 +45,14 @@ void BrelCorvane::InitModule() {
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    if (!RowsChanged()) return true;  // levels and smoothing depend on rows and the rate alone
     for (int c = 0; c < 2; ++c) {
         const int32_t row = c * kRowsPerChannel;
-        level[c] = (GetTableValue(row + kOutputPositiveL) + GetTableValue(row + kOutputSymmetricL)) *
-                   GetTableValue(row + kMultiplierL);
-        inputAdd[c] = GetTableValue(row + kInputAddL);
-        inputMultiply[c] = GetTableValue(row + kInputMultiplyL);
-        smoother[c].Configure(GetTableValue(kSmoothingL + c), sampleRate);
+        level[c] = (BlockValue(row + kOutputPositiveL) + BlockValue(row + kOutputSymmetricL)) *
+                   BlockValue(row + kMultiplierL);
+        inputAdd[c] = BlockValue(row + kInputAddL);
+        inputMultiply[c] = BlockValue(row + kInputMultiplyL);
+        smoother[c].Configure(BlockValue(kSmoothingL + c), sampleRate);
     }
     return true;
 }

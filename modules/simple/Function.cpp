@@ -44,17 +44,18 @@ void BrelCorvane::InitModule() {
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    if (!RowsChanged()) return true;  // the settings below depend on rows alone
     for (int c = 0; c < 2; ++c) {
         FunctionChannel& ch = channel[c];
         const int32_t row = c == 0 ? kFirstRowL : kFirstRowR;
         // A disabled channel keeps its last curve settings.
-        ch.enabled = GetTableValue(row + kEnable) != 0.0f;
+        ch.enabled = BlockValue(row + kEnable) != 0.0f;
         if (!ch.enabled) continue;
-        ch.function = int32_t(GetTableValue(row + kFunction));
-        ch.inputScale = GetTableValue(row + kInputScale);
-        ch.inputOffset = GetTableValue(row + kInputOffset);
-        ch.outputScale = GetTableValue(row + kOutputScale);
-        ch.outputOffset = GetTableValue(row + kOutputOffset);
+        ch.function = int32_t(BlockValue(row + kFunction));
+        ch.inputScale = BlockValue(row + kInputScale);
+        ch.inputOffset = BlockValue(row + kInputOffset);
+        ch.outputScale = BlockValue(row + kOutputScale);
+        ch.outputOffset = BlockValue(row + kOutputOffset);
     }
     return true;
 }

@@ -123,6 +123,9 @@ void BrelCorvane::InitModule() {
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
+    if (RowsChanged())
+        for (int c = 0; c < 2; ++c)
+            ReadChannelRows(c);
     // With no transport the LFO plays at tempo 0 from position 0, so tempo-derived rates are 0.
     bool playing = true;
     double tempo = 0.0, beats = 0.0;
@@ -139,15 +142,47 @@ bool BrelCorvane::BeginBlock(uint32_t frames) {
     return true;
 }
 
+void BrelCorvane::ReadChannelRows(int c) {
+    LfoChannelSettings& set = settings[c];
+    LfoChannelRows& rows = channelRows[c];
+    const int32_t row = c == 0 ? kFirstRowL : kFirstRowR;
+    auto value = [&](int32_t channelRow) { return BlockValue(row + channelRow); };
+
+    // Swing: a unit of half a beat ("16") or a beat ("8").
+    rows.unit = BlockValue(kSwingTypeL + 2 * c) != 0.0f ? 1.0 : 0.5;
+    rows.swing = BlockValue(kSwingL + 2 * c);
+    rows.phaseFraction = double(value(kPhase)) / 360.0;
+    rows.sync = int32_t(value(kSync));
+    double cycleBeats = std::ldexp(4.0 * double(value(kBeats)), -int32_t(value(kBeatDivisor)));
+    if (value(kTriplet) != 0.0f) cycleBeats = cycleBeats * 2.0 / 3.0;
+    rows.cycleBeats = cycleBeats;
+    const int32_t multiplier = int32_t(value(kSpeedMultiplier));
+    const float factor = multiplier >= 0 && multiplier < 4 ? kSpeedFactors[multiplier] : 1.0f;
+    rows.freeRateHz = double(value(kSpeed) * factor);
+
+    // Levels, shapes and smoothing.
+    set.pulseWidth = value(kPulseWidth) * 0.01f;
+    set.sine = value(kSine);
+    set.triangle = value(kTriangle);
+    set.square = value(kSquare);
+    set.saw = value(kSaw);
+    set.random = value(kRandom);
+    set.noise = value(kNoise);
+    set.offset = value(kOffset);
+    set.asymmetry = value(kAsymmetry) * 0.005f + 0.5f;
+    set.inputMode = int32_t(value(kInputMode));
+    set.resetPhase = rows.phaseFraction;
+    set.resetByNote = BlockValue(kResetByNoteL + c) != 0.0f;
+    smoother[c].Configure(BlockValue(kSmoothingL + c), sampleRate);
+}
+
 void BrelCorvane::ReadChannel(int c, bool playing, double tempo, double beats, double& passRateHz) {
     LfoChannelSettings& set = settings[c];
     LfoChannelState& run = state[c];
-    const int32_t row = c == 0 ? kFirstRowL : kFirstRowR;
-    auto value = [&](int32_t channelRow) { return GetTableValue(row + channelRow); };
+    const LfoChannelRows& rows = channelRows[c];
 
-    // Swing: a unit of half a beat ("16") or a beat ("8").
-    const double unit = GetTableValue(kSwingTypeL + 2 * c) != 0.0f ? 1.0 : 0.5;
-    const float swing = GetTableValue(kSwingL + 2 * c);
+    const double unit = rows.unit;
+    const float swing = rows.swing;
     if (std::fabs(swing - 50.0f) <= 0.1f || tempo == 0.0 || !playing) {
         set.swingFraction = -1.0f;
     } else {
@@ -158,15 +193,14 @@ void BrelCorvane::ReadChannel(int c, bool playing, double tempo, double beats, d
 
     // Rate, and the phase where it is set from outside.
     double phaseOffset = -1.0;
-    const double phaseFraction = double(value(kPhase)) / 360.0;
-    const int32_t sync = int32_t(value(kSync));
+    const double phaseFraction = rows.phaseFraction;
+    const int32_t sync = rows.sync;
     double rateHz = 0.0;
     switch (sync) {
         case kSyncTempo:
         case kSyncTransport:
         case kSyncTransport2: {
-            double cycleBeats = std::ldexp(4.0 * double(value(kBeats)), -int32_t(value(kBeatDivisor)));
-            if (value(kTriplet) != 0.0f) cycleBeats = cycleBeats * 2.0 / 3.0;
+            const double cycleBeats = rows.cycleBeats;
             rateHz = cycleBeats > 0.0 ? tempo / (cycleBeats * 60.0) : 0.0;
             if (sync == kSyncTempo) break;
             double b = beats;
@@ -197,32 +231,14 @@ void BrelCorvane::ReadChannel(int c, bool playing, double tempo, double beats, d
             rateHz = 0.0;
             run.phase = playing ? 0.0 : 0.999999;
             break;
-        default: {
-            const int32_t multiplier = int32_t(value(kSpeedMultiplier));
-            const float factor = multiplier >= 0 && multiplier < 4 ? kSpeedFactors[multiplier] : 1.0f;
-            rateHz = double(value(kSpeed) * factor);
+        default:
+            rateHz = rows.freeRateHz;
             break;
-        }
     }
     passRateHz = rateHz;
 
-    // Rate per sample, levels, shapes and smoothing.
     set.rateHz = rateHz;
     set.rate = rateHz / double(sampleRate);
-    set.pulseWidth = value(kPulseWidth) * 0.01f;
-    set.sine = value(kSine);
-    set.triangle = value(kTriangle);
-    set.square = value(kSquare);
-    set.saw = value(kSaw);
-    set.random = value(kRandom);
-    set.noise = value(kNoise);
-    set.offset = value(kOffset);
-    set.asymmetry = value(kAsymmetry) * 0.005f + 0.5f;
-    set.inputMode = int32_t(value(kInputMode));
-    set.resetPhase = phaseFraction;
-    set.resetByNote = GetTableValue(kResetByNoteL + c) != 0.0f;
-    smoother[c].Configure(GetTableValue(kSmoothingL + c), sampleRate);
-
     display->phaseOffset[c] = phaseOffset;
     display->rateHz[c] = rateHz;
 }

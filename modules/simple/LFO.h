@@ -86,6 +86,16 @@ struct LfoChannelSettings {
     bool resetByNote;
 };
 
+// What a channel derives from its rows alone; read again only in blocks where a row changed.
+struct LfoChannelRows {
+    double unit = 0.5;  // swing unit in beats
+    float swing = 50.0f;
+    double phaseFraction = 0.0;  // "Phase" / 360
+    int32_t sync = 0;
+    double cycleBeats = 0.0;  // beats per cycle in the tempo modes
+    double freeRateHz = 0.0;  // rate of the free mode
+};
+
 class BrelCorvane : public BrelCorvaneBase {
 public:
     BrelCorvane();
@@ -105,12 +115,14 @@ public:
     const BR::OutputSmoother& Smoother(int channel) const { return smoother[channel]; }
 
 private:
+    void ReadChannelRows(int c);
     void ReadChannel(int c, bool playing, double tempo, double beats, double& passRateHz);
     void RenderChannel(int c, const float* x, float* y, uint32_t frames);
     void RenderWave(int c, const float* x, float* y, uint32_t frames, double rate);
 
     LfoChannelState state[2];
     LfoChannelSettings settings[2];
+    LfoChannelRows channelRows[2];
     BR::OutputSmoother smoother[2];
     LfoStatus* display = nullptr;  // inside the status block
 };

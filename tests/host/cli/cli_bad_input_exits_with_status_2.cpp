@@ -28,6 +28,7 @@ TEST(CliBadInput, ExitsWithStatus2AndSaysWhy) {
     ExpectUsageError("frobnicate", "unknown command \"frobnicate\"");
     ExpectUsageError("", "no command given");
     ExpectUsageError("bench --block 0", "--block");
+    ExpectUsageError("bench --module nosuchmodule", "--module: no module \"nosuchmodule\"");
 }
 
 TEST(CliBadInput, UnbuiltModuleIsNotAvailable) {

@@ -190,9 +190,17 @@ TEST(CliHostileFiles, CalibrationFiles) {
         const std::string text = CalibrationText(random);
         BR::Test::WriteBytes(file, Bytes(text.begin(), text.end()));
         BR::Test::RemoveAll({saved});
-        std::vector<std::string> args = {"render", "voicecontroller", "--frames", "64", "--calibration-in",
-                                         file,     "--out",           scratch.out};
-        if (random.OneIn(4)) args.insert(args.end(), {"--calibration-out", saved});
+        const bool grid =
+            random.OneIn(3);  // read as a Quantizer's grid, else into a Voice Controller's table
+        std::vector<std::string> args = {"render",
+                                         grid ? "quantizer" : "voicecontroller",
+                                         "--frames",
+                                         "64",
+                                         "--calibration-in",
+                                         file,
+                                         "--out",
+                                         scratch.out};
+        if (!grid && random.OneIn(4)) args.insert(args.end(), {"--calibration-out", saved});
         RunRender(args, "calibration case " + std::to_string(k), file, scratch, tally, saved);
     }
     std::ofstream(file, std::ios::binary | std::ios::trunc)

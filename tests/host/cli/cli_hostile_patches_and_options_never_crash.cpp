@@ -46,6 +46,31 @@ const std::vector<std::string> kNumbers = {"0",
                                            "18446744073709551616",
                                            std::string(400, '9')};
 
+// Property ids: those the modules answer, and some no module knows.
+const std::vector<std::string> kPropertyIds = {
+    "2",     "33",    "64001", "64008", "64009", "64015",      "64016",      "64017", "64018",
+    "64019", "64020", "64090", "64091", "64092", "64093",      "64094",      "64120", "64121",
+    "64150", "64151", "64152", "64153", "0",     "4294967295", "4294967296", "-1",    "x"};
+
+// "ID", "ID=INTEGER" or "ID=TEXT", as --property and a patch's "properties" take them.
+std::string PropertyText(CaseRandom& random) {
+    const std::string id = random.Pick(kPropertyIds);
+    switch (random.Below(5)) {
+        case 0:
+            return id;
+        case 1:
+            return id + "=" +
+                   random.Pick(
+                       std::vector<std::string>{"0", "1", "-1", "3", "2147483647", "-2147483648", "129"});
+        case 2:
+            return id + "=" + random.Pick(kNumbers);
+        case 3:
+            return id + "=" + std::string(random.Below(3000), 'g');
+        default:
+            return id + "=";
+    }
+}
+
 // Files for the patches and options to refer to, good and damaged.
 struct CaseFiles {
     std::string folder = BR::Test::MakeCaseFolder();
@@ -129,8 +154,8 @@ std::string Number(CaseRandom& random, const std::vector<std::string>& plain) {
 }
 
 std::string Instance(CaseRandom& random, const CaseFiles& files, size_t index, size_t count) {
-    static const std::vector<std::string> hostileModules = {"dc",   "dc",      "lfo",    "voicecontroller",
-                                                            "CRdc", "steplfo", "nosuch", ""};
+    static const std::vector<std::string> hostileModules = {
+        "dc", "dc", "lfo", "voicecontroller", "CRdc", "steplfo", "quantizer", "trigger", "nosuch", ""};
     static const std::vector<std::string> plainModules = {"dc", "CRdc", "voicecontroller"};
     const std::vector<std::string>& modules = hostileCase ? hostileModules : plainModules;
     static const std::vector<std::string> hostileRows = {"Output Positive L", "Master Bypass", "Speed L",
@@ -149,6 +174,13 @@ std::string Instance(CaseRandom& random, const CaseFiles& files, size_t index, s
                                                                : Quote(random.OneIn(2) ? "Master" : "on")) +
                 (n > 1 ? "," : "");
         json += "}";
+    }
+    if (hostileCase && random.OneIn(5)) {
+        json += ",\"properties\":[";
+        for (size_t n = random.Below(4); n > 0; --n)
+            json += (random.OneIn(3) ? random.Pick(kPropertyIds) : Quote(PropertyText(random))) +
+                    (n > 1 ? "," : "");
+        json += "]";
     }
     if (random.OneIn(5))
         json += ",\"midi\":" + Either(random, Quote(files.midi[random.Below(hostileCase ? 6 : 3)]));
@@ -266,15 +298,16 @@ TEST(CliHostilePatches, RenderOptions) {
     const std::string out = files.folder + "/o.wav";
     const std::string stateOut = files.folder + "/o.state";
     const std::string calibrationOut = files.folder + "/o.txt";
-    const std::vector<std::string> stems = {"dc",      "dc",      "lfo",      "voicecontroller", "sync",
-                                            "trigger", "steplfo", "Function", "nosuch",          ""};
+    const std::vector<std::string> stems = {"dc",        "dc",      "lfo",     "voicecontroller",
+                                            "sync",      "trigger", "steplfo", "Function",
+                                            "quantizer", "nosuch",  ""};
     const std::vector<std::string> options = {
         "--rate",      "--block",     "--frames",         "--seconds",
         "--set",       "--in",        "--event",          "--midi",
         "--state-in",  "--state-out", "--calibration-in", "--calibration-out",
         "--tempo",     "--position",  "--meter",          "--stopped",
         "--transport", "--loop",      "--no-transport",   "--out",
-        "--bogus"};
+        "--bogus",     "--property",  "--property"};
     for (size_t k = 0; k < kOptionCases; ++k) {
         std::vector<std::string> args;
         if (random.OneIn(40)) {
@@ -316,6 +349,8 @@ TEST(CliHostilePatches, RenderOptions) {
                     value = random.Pick(kNumbers) + ":" +
                             random.Pick(std::vector<std::string>{
                                 "903C64", "F0" + std::string(2000, '7') + "F7", "play", "stop", "", "G"});
+                } else if (option == "--property") {
+                    value = PropertyText(random);
                 } else if (option == "--loop") {
                     value = random.Pick(kNumbers) + (random.OneIn(8) ? "" : ":") + random.Pick(kNumbers);
                 } else if (option == "--meter") {

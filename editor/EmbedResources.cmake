@@ -1,0 +1,16 @@
+# Writes OUTPUT, a C++ file that holds each file of RESOURCES as bytes under its file name, and the
+# look-up FindEmbeddedResource of GuiTexture.h.
+set(body "// Generated from the files under editor/textures; do not edit.\n#include \"editor/GuiTexture.h\"\n\n#include <map>\n\nnamespace BR {\nnamespace {\n")
+set(table "")
+set(index 0)
+foreach(resource IN LISTS RESOURCES)
+    get_filename_component(name ${resource} NAME)
+    file(READ ${resource} hex HEX)
+    string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${hex}")
+    string(APPEND body "const unsigned char resource${index}[] = {${bytes}};\n")
+    string(APPEND table "        {\"${name}\", std::vector<uint8_t>(resource${index}, resource${index} + sizeof resource${index})},\n")
+    math(EXPR index "${index} + 1")
+endforeach()
+string(APPEND body "}  // namespace\n\nconst std::vector<uint8_t>* FindEmbeddedResource(const std::string& name) {\n    static const std::map<std::string, std::vector<uint8_t>> resources = {\n${table}    };\n    auto it = resources.find(name);\n    return it == resources.end() ? nullptr : &it->second;\n}\n\n}  // namespace BR\n")
+file(WRITE ${OUTPUT}.tmp "${body}")
+file(COPY_FILE ${OUTPUT}.tmp ${OUTPUT} ONLY_IF_DIFFERENT)

@@ -1,0 +1,34 @@
+// Labels: text with an optional background box, drawn into the panel texture with the label font.
+#include "Label.h"
+
+#include <GL/glew.h>
+
+#include "editor/GuiFont.h"
+
+namespace BR {
+
+Label::Label(Manager* manager, std::string text_, float x, float y, int32_t align_, float w, float h)
+    : ControlBase(manager), text(std::move(text_)), align(align_) {
+    SetRect(x, y, w, h);
+}
+
+void Label::DrawIntoPanel(GuiFont* font) {
+    const Point offset = ParentOffset();
+    const float width = font->Advance(text.c_str());
+    const float x0 = rect[0] + offset.x, y0 = rect[1] + offset.y;
+    float x = x0 - width * 0.5f;
+    if (align == 1) x = x0;
+    if (align == 2) x = rect[3] + offset.x - width;
+    float baseline = y0 - font->Ascender();
+    if (Height() > 0) baseline = y0 + (Height() - font->Ascender()) * 0.5f;
+    if (Width() > 0 && Height() > 0 && backgroundColour[3] > 0) {
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glColor4fv(backgroundColour);
+        glRectf(x - 2, baseline + font->Descender() - 2, x + width + 2, baseline + font->Ascender() + 2);
+    }
+    glColor4fv(foregroundColour);
+    font->Render(text.c_str(), x, baseline);
+}
+
+}  // namespace BR

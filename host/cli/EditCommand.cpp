@@ -1,0 +1,104 @@
+// The edit command: a real-time render thread paced by the clock, the editor's window on the main
+// thread, and the state written once the window closes.
+#include "EditCommand.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <thread>
+#include <vector>
+
+#include "CommandLine.h"
+#include "RenderJob.h"
+#include "StateFile.h"
+#include "editor/GenericPanel.h"
+#include "editor/X11Window.h"
+#include "editor/ZPmanager.h"
+#include "framework/ModuleCatalogue.h"
+#include "modules/ModuleFactory.h"
+
+namespace BR {
+
+namespace {
+std::atomic<bool> interrupted{false};
+
+void OnInterrupt(int) {
+    interrupted = true;
+}
+
+// Renders block after block at the pace of the sample clock, with silent inputs, until told to stop.
+void RenderInRealTime(HostDriver& driver, const RenderJob& job, std::atomic<bool>& stop) {
+    const size_t numIn = size_t(driver.NumHostInputs()), numOut = size_t(driver.NumHostOutputs());
+    const uint32_t block = std::min<uint32_t>(job.blockSize, driver.MaxBlockSize());
+    std::vector<float> silence(block, 0.0f);
+    std::vector<std::vector<float>> outputs(numOut, std::vector<float>(block));
+    std::vector<const float*> in(std::max<size_t>(numIn, 1), silence.data());
+    std::vector<float*> out(std::max<size_t>(numOut, 1), nullptr);
+    for (size_t c = 0; c < numOut; ++c)
+        out[c] = outputs[c].data();
+    BlockClock clock(job.transport, job.sampleRate);
+    driver.SetTransport(clock.Transport());
+    const auto period = std::chrono::duration<double>(double(block) / job.sampleRate);
+    auto due = std::chrono::steady_clock::now();
+    for (int64_t done = 0; !stop; done += block) {
+        const uint32_t n = clock.NextBlock(done, block);
+        driver.Process(in.data(), out.data(), n, nullptr, 0);
+        due += std::chrono::duration_cast<std::chrono::steady_clock::duration>(period);
+        std::this_thread::sleep_until(due);
+    }
+    driver.SetTransport(nullptr);
+}
+}  // namespace
+
+int RunEdit(int argc, char** argv) {
+    RenderJob job = ParseRenderJob(argc, argv, 2);
+    const CatalogueEntry* entry = FindCatalogueEntry(job.stem);
+    if (!entry) throw UsageError("unknown module \"" + job.stem + "\"; \"corvane list\" shows the modules");
+    std::unique_ptr<BrelCorvaneBase> module = CreateModule(job.stem);
+    if (!module) throw UsageError("module \"" + job.stem + "\" is not available in this build");
+    HostDriver driver(std::move(module), *entry, float(job.sampleRate),
+                      std::min<uint32_t>(job.blockSize, kDefaultMaxBlockSize));
+    if (!job.stateIn.empty()) {
+        try {
+            RestoreStateFile(job.stateIn, driver);
+        } catch (const std::runtime_error& e) {
+            throw InputError(std::string("--state-in: ") + e.what());
+        }
+    }
+    for (const auto& [name, value] : job.sets)
+        ApplySetting(driver, name, value);
+
+    std::atomic<bool> stopAudio{false};
+    std::thread audio([&] { RenderInRealTime(driver, job, stopAudio); });
+    int status = 0;
+    {
+        ZPmanager manager(&driver.Module());
+        BuildGenericPanel(manager);
+        X11Window window;
+        if (!window.Open(manager.designWidth, manager.designHeight,
+                         std::string("corvane ") + driver.Module().GetModuleName(), 0, nullptr)) {
+            std::fprintf(stderr, "corvane: the editor cannot open: %s\n", window.LastError().c_str());
+            status = 1;
+        } else {
+            window.manager = &manager;
+            manager.CreateRenderTask(&window);
+            std::signal(SIGINT, OnInterrupt);
+            std::signal(SIGTERM, OnInterrupt);
+            const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(job.seconds);
+            while (!interrupted && window.ProcessEvents(30)) {
+                if (job.seconds >= 0 && std::chrono::steady_clock::now() >= end) break;
+            }
+            // The render thread stops before its window goes.
+            manager.DestroyRenderTask();
+            window.Close();
+        }
+    }
+    stopAudio = true;
+    audio.join();
+    if (status == 0 && !job.stateOut.empty()) WriteStateFile(job.stateOut, driver);
+    return status;
+}
+
+}  // namespace BR

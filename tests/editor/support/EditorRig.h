@@ -1,0 +1,97 @@
+// What the editor tests share: an Xvfb of their own on display :57, a small test panel built in code,
+// an editor window around a module, synthetic input through XTest, and screenshots.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "editor/X11Window.h"
+#include "editor/ZPmanager.h"
+#include "editor/widgets/ArcKnobRenderer.h"
+#include "editor/widgets/DropDown.h"
+#include "editor/widgets/Group.h"
+#include "editor/widgets/Knob.h"
+#include "editor/widgets/TextField.h"
+#include "host/HostDriver.h"
+
+namespace BR::Test {
+
+// Starts Xvfb on `display` (":57") with GLX or without it, and stops it at destruction.
+class XvfbServer {
+public:
+    explicit XvfbServer(const std::string& display = ":57", bool withGlx = true);
+    ~XvfbServer();
+    bool Running() const { return pid > 0; }
+    const std::string& Name() const { return display; }
+
+private:
+    std::string display;
+    int pid = -1;
+};
+
+// The process's shared server on :57, started at first use.
+const char* SharedDisplay();
+
+// The controls of the test panel, 400 by 200: a group "Channel" at (20, 20) with a knob and its field,
+// a drop-down, and a button; the banner across the top.
+struct TestPanel {
+    NamedGroup* group = nullptr;
+    ArcKnob* knob = nullptr;
+    TextField* field = nullptr;
+    DropDown* dropDown = nullptr;
+    ArcKnob* secondKnob = nullptr;
+};
+// Knob and field on `knobParameter`, the second knob on `secondParameter`, the drop-down on
+// `dropParameter` (any may be -1 to leave it out).
+TestPanel BuildTestPanel(Manager& manager, int32_t knobParameter, int32_t secondParameter,
+                         int32_t dropParameter);
+
+// The centre of a control in window coordinates (y down), for pointer events.
+void WindowCentre(Manager& manager, UIElement* element, int& x, int& y);
+
+// A module in a window: the manager, the window, and the window thread's event loop run by the test.
+class EditorWindowRig {
+public:
+    EditorWindowRig(BrelCorvaneBase& module, int32_t knobParameter, int32_t secondParameter,
+                    int32_t dropParameter);
+    ~EditorWindowRig();
+    bool Open();
+    // Runs the window thread's event loop for `milliseconds`.
+    void Pump(int milliseconds);
+    // Waits until the render thread has drawn `frames` more frames.
+    bool WaitFrames(int frames);
+
+    // Where the window stands on the 1024 by 768 screen.
+    static constexpr int kOriginX = 300, kOriginY = 300;
+    // XTest input on a connection of the test's own, then the events are pumped; points are in the
+    // window's coordinates, y down.
+    void MoveTo(int x, int y);
+    void Press(int button = 1);
+    void Release(int button = 1);
+    void Key(unsigned long keysym, bool down);
+    void Type(const std::string& text);
+    // RGB rows of the window, top row first.
+    std::vector<uint8_t> Grab(int& width, int& height);
+
+    std::unique_ptr<ZPmanager> manager;
+    X11Window window;
+    TestPanel panel;
+    Display* input = nullptr;
+};
+
+// RGB rows of a window, top row first, through a connection of its own to `display`.
+std::vector<uint8_t> GrabWindow(const char* display, unsigned long window, int& width, int& height);
+
+// Writes and reads RGB images as PNG.
+bool WritePngRgb(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height);
+bool ReadPngRgb(const std::string& path, std::vector<uint8_t>& rgb, int& width, int& height);
+// Pixels whose channels differ by more than `tolerance`, as a fraction of all.
+double DifferentPixelFraction(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b, int tolerance);
+
+// The threads of this process, from /proc/self/task.
+int CountThreads();
+
+}  // namespace BR::Test
