@@ -262,3 +262,41 @@ TEST(CombinerIdentity, TablesAndTexts) {
     EXPECT_EQ(names->Get(), (std::vector<std::string>{"Off", "1", "2", "3", "4", "5", "6"}));
     names->Release();
 }
+
+TEST(CombinerFilters, TurningOnStartsFromSilence) {
+    auto d = BR::Test::MakeDriver("cindercombiner");
+    d->SetParameterByName("Input Thru", 0.0f);
+    d->SetParameterByName("Filter 1", 1.0f);
+    const Channels in = Constants({0.9f, 0.0f, 0.0f, 0.0f}, 2048);
+    BR::Test::RenderFrames(*d, 2048, 256, in);  // settled at 0.9
+    auto last = [](const std::vector<uint8_t>& bytes, int channel, bool first) {
+        const auto got = BR::Test::ReceiveCinder(bytes);
+        int v = -1;
+        for (const auto& r : got)
+            if (r.channel == channel) {
+                v = r.value;
+                if (first) break;
+            }
+        return v;
+    };
+    // Off, then on again at once: the history was cleared, so the channel starts again from 0.0.
+    d->SetParameterByName("Filter 1", 0.0f);
+    auto bytes = Lane0(BR::Test::RenderFrames(*d, 16, 16, in));
+    EXPECT_EQ(last(bytes, 0, true), BR::Test::ExpectedValue(0.9f));
+    d->SetParameterByName("Filter 1", 1.0f);
+    bytes = Lane0(BR::Test::RenderFrames(*d, 16, 16, in));
+    EXPECT_LT(last(bytes, 0, true), 2048 + 300);
+}
+
+TEST(CombinerStatus, LastFrameBytesReachTheStatusBlock) {
+    auto d = BR::Test::MakeDriver("dunmorecombiner");
+    d->SetParameterByName("Input Thru", 0.0f);
+    d->SetParameterByName("Target Hardware", 1.0f);
+    d->SetParameterByName("Target Channel", 3.0f);
+    const auto out = BR::Test::RenderFrames(*d, 100, 100, Constants({0.2f, 0.4f}, 100));
+    const auto frames = BR::Test::Frames(out[0], out[1], true);
+    const auto& status = d->Module().GetStatusBlock()->As<BrelCombinerStatus>();
+    for (size_t b = 0; b < 6; ++b)
+        EXPECT_EQ(status.frameBytes[b], frames.back()[b]) << b;
+    EXPECT_NE(frames.back()[3], 0);
+}
