@@ -57,12 +57,15 @@ ardentcontroller | signal | 1000:903C64 8000:913064 20000:803C00 30000:813000   
 basaltcontroller | signal | 1000:903C64 8000:903E64 20000:803C00 30000:803E00                     | MIDI Out MIDI Channel=17, MIDI Out Clock=1, Use MIDI SPP=1, MIDI Out Output=40, Gates 4 MIDI Channel=1, Gates 4 Base Note=60, Input Thru=2
 # A Cinder lane on byte 1 with offsets and a filter, thru "1/2"
 cindercombiner  | signal | -                                                                       | Filter 2=1, Offset 1=-1
-# Elkhorn on L, a rectifying decoder on R with a one-pole
-cvinput         | signal | -                                                                       | Mode L=2, Scale R=2, Smoothing R=-3
+# Rectifying decoders with a one-pole on L and a slew limit on R. (The Elkhorn loop and the carriers
+# run on through the cycles before recording, so where they stand when it starts differs from a fresh render.)
+cvinput         | signal | -                                                                       | Scale L=2, Smoothing L=-3, Scale R=-1.5, Smoothing R=2
 dc              | signal | -                                                                       | Output Positive L=0.3, Multiplier L=-1.5, Input Add L=1, Output Symmetric R=-0.45, Multiplier R=1.5, Input Multiply R=0.5
-# A Dunmore lane on "Basalt" byte 1 with "SMUX Proof", not adaptive: the adaptive warm-up counts
-# slices, so its stream would depend on the JACK period
-dunmorecombiner | signal | -                                                                       | Target Hardware=1, SMUX Proof=1, Filter 1=1, Adaptive Mode=0
+# The Dunmore stream cannot be compared here: its cycle of 24 samples does not divide a JACK period,
+# and jalv runs it for an unknown time before recording. So its lane is "Target Channel" "6" of an
+# "Ardent" frame, which is no lane: only the thru pair "1/2" goes out (the offline test compares the
+# stream itself)
+dunmorecombiner | signal | -                                                                       | Target Channel=6, Filter 1=1
 Function        | signal | -                                                                       | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
 # Both channels locked to the transport (a beat and half a beat); the input multiplies R
 lfo             | signal | -                                                                       | Sync L=2, Beats L=1, Sine L=1, Triangle L=-0.3, Sync R=2, Beats R=2, Beat Divisor R=3, Saw R=0.5, Square R=0.3, Input Mode R=1
