@@ -7,6 +7,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <png.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -22,9 +23,15 @@ extern char** environ;
 
 namespace BR::Test {
 
-XvfbServer::XvfbServer(const std::string& display_, bool withGlx) : display(display_) {
-    std::vector<std::string> words = {"Xvfb",        display,     "-screen", "0",
-                                      "1024x768x24", "-nolisten", "tcp",     "-noreset"};
+XvfbServer::XvfbServer(bool withGlx) {
+    // Xvfb picks a free display itself and writes its number to the pipe once it accepts clients, so
+    // test programs running side by side (or another X server on the machine) never share a display.
+    int ready[2];
+    if (pipe(ready) != 0) return;
+    fcntl(ready[0], F_SETFD, FD_CLOEXEC);
+    std::vector<std::string> words = {"Xvfb",      "-displayfd", std::to_string(ready[1]),
+                                      "-screen",   "0",          "1024x768x24",
+                                      "-nolisten", "tcp",        "-noreset"};
     if (!withGlx) words.insert(words.end(), {"-extension", "GLX"});
     std::vector<char*> argv;
     for (std::string& word : words)
@@ -37,18 +44,25 @@ XvfbServer::XvfbServer(const std::string& display_, bool withGlx) : display(disp
     pid_t child = -1;
     if (posix_spawnp(&child, "Xvfb", &actions, nullptr, argv.data(), environ) != 0) child = -1;
     posix_spawn_file_actions_destroy(&actions);
-    pid = child;
-    if (pid <= 0) return;
-    for (int i = 0; i < 200; ++i) {
-        if (Display* probe = XOpenDisplay(display.c_str())) {
-            XCloseDisplay(probe);
-            return;
-        }
-        int status = 0;
-        if (waitpid(pid, &status, WNOHANG) == pid) break;
-        std::this_thread::sleep_for(std::chrono::milliseconds(25));
+    close(ready[1]);
+    std::string number;
+    if (child > 0) {
+        // Up to ten seconds for the server to come up; a loaded machine can be slow to start it.
+        pollfd wait{ready[0], POLLIN, 0};
+        char c = 0;
+        while (poll(&wait, 1, 10000) > 0 && read(ready[0], &c, 1) == 1 && c != '\n')
+            number += c;
     }
-    pid = -1;
+    close(ready[0]);
+    if (child <= 0) return;
+    if (number.empty()) {
+        kill(child, SIGTERM);
+        int status = 0;
+        waitpid(child, &status, 0);
+        return;
+    }
+    display = ":" + number;
+    pid = child;
 }
 
 XvfbServer::~XvfbServer() {
@@ -59,7 +73,7 @@ XvfbServer::~XvfbServer() {
 }
 
 const char* SharedDisplay() {
-    static XvfbServer server(":57");
+    static XvfbServer server;
     return server.Running() ? server.Name().c_str() : nullptr;
 }
 

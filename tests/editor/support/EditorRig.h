@@ -1,4 +1,4 @@
-// What the editor tests share: an Xvfb of their own on display :57, a small test panel built in code,
+// What the editor tests share: an Xvfb of their own on a free display, a small test panel built in code,
 // an editor window around a module, synthetic input through XTest, and screenshots.
 #pragma once
 
@@ -19,10 +19,10 @@
 
 namespace BR::Test {
 
-// Starts Xvfb on `display` (":57") with GLX or without it, and stops it at destruction.
+// Starts Xvfb on a display it finds free, with GLX or without it, and stops it at destruction.
 class XvfbServer {
 public:
-    explicit XvfbServer(const std::string& display = ":57", bool withGlx = true);
+    explicit XvfbServer(bool withGlx = true);
     ~XvfbServer();
     bool Running() const { return pid > 0; }
     const std::string& Name() const { return display; }
@@ -32,7 +32,7 @@ private:
     int pid = -1;
 };
 
-// The process's shared server on :57, started at first use.
+// The process's shared server, started at first use.
 const char* SharedDisplay();
 
 // The controls of the test panel, 400 by 200: a group "Channel" at (20, 20) with a knob and its field,
