@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "modules/events/Follower.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
 #include "modules/hardware/SMUX.h"
@@ -28,6 +29,7 @@ const FactoryRow kFactories[] = {
     {"ardentcontroller", &BrelCorvaneArdentController::Create},
     {"basaltcontroller", &BrelCorvaneBasaltController::Create},
     {"dc", &BrelCorvaneDC::Create},
+    {"follower", &BrelCorvaneFollower::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},
