@@ -55,6 +55,8 @@ ardentcontroller | signal | 1000:903C64 8000:913064 20000:803C00 30000:813000   
 basaltcontroller | signal | 1000:903C64 8000:903E64 20000:803C00 30000:803E00                     | MIDI Out MIDI Channel=17, MIDI Out Clock=1, Use MIDI SPP=1, MIDI Out Output=40, Gates 4 MIDI Channel=1, Gates 4 Base Note=60, Input Thru=2
 dc              | signal | -                                                                       | Output Positive L=0.3, Multiplier L=-1.5, Input Add L=1, Output Symmetric R=-0.45, Multiplier R=1.5, Input Multiply R=0.5
 Function        | signal | -                                                                       | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
+# Pitch and envelope of the input sines: pitch with some envelope on L, envelope on R with a quick attack
+follower        | signal | -                                                                       | Output Env L=0.5, Env Attack=5, Env Release=20
 # Both channels locked to the transport (a beat and half a beat); the input multiplies R
 lfo             | signal | -                                                                       | Sync L=2, Beats L=1, Sine L=1, Triangle L=-0.3, Sync R=2, Beats R=2, Beat Divisor R=3, Saw R=0.5, Square R=0.3, Input Mode R=1
 # Even steps of the input: L offset by a quarter step, R transposed (no smoothing: jalv runs before it records)

@@ -33,6 +33,8 @@ ardentcontroller | varies | 4096 16384    | Input 1=1, Input 3=3, Input Mode 3=1
 basaltcontroller | varies | 4096 16384    | Input Thru=2, Input 1 To Gate=1, Input 4 To Gate=30, Output 5=99
 dc              | varies | 4096 16384     | Output Positive L=0.25, Multiplier L=-1.5, Input Add L=0.5, Output Symmetric R=-0.75, Input Multiply R=0.5, Smoothing R=-20, Smoothing L=5
 Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
+# The input sines followed: stepped pitch plus half the envelope on L, the envelope on R
+follower        | varies | 4096 16384     | Output Env L=0.5, Env Attack=5, Env Release=20
 # Free-running waves; the input multiplies R
 lfo             | varies | 4096 16384     | Speed L=3, Sine L=1, Triangle L=-0.3, Speed R=7, Square R=0.4, Pulse Width R=30, Saw R=0.5, Input Mode R=1
 # Even steps: L offset by a quarter step and slewed, R transposed and smoothed
