@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "modules/events/CVToMIDI.h"
 #include "modules/events/Follower.h"
 #include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
@@ -35,6 +36,7 @@ const FactoryRow kFactories[] = {
     {"basaltcontroller", &BrelCorvaneBasaltController::Create},
     {"cindercombiner", &BrelCorvaneCinderCombiner::Create},
     {"cvinput", &BrelCorvaneCVInput::Create},
+    {"cvtomidi", &BrelCorvaneCVToMIDI::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
     {"follower", &BrelCorvaneFollower::Create},

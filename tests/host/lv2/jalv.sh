@@ -60,6 +60,8 @@ cindercombiner  | signal | -                                                    
 # Rectifying decoders with a one-pole on L and a slew limit on R. (The Elkhorn loop and the carriers
 # run on through the cycles before recording, so where they stand when it starts differs from a fresh render.)
 cvinput         | signal | -                                                                       | Scale L=2, Smoothing L=-3, Scale R=-1.5, Smoothing R=2
+# The audio passes through (the MIDI it makes leaves through its own device, none here)
+cvtomidi        | signal | -                                                                       | Enable CC L=1, Enable Note R=1
 dc              | signal | -                                                                       | Output Positive L=0.3, Multiplier L=-1.5, Input Add L=1, Output Symmetric R=-0.45, Multiplier R=1.5, Input Multiply R=0.5
 # The Dunmore stream cannot be compared here: its cycle of 24 samples does not divide a JACK period,
 # and jalv runs it for an unknown time before recording. So its lane is "Target Channel" "6" of an
