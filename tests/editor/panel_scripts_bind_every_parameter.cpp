@@ -24,6 +24,7 @@ struct PanelCase {
 
 const PanelCase kPanels[] = {
     {"dc", 510, 220, {"OSC", "Left Channel", "Right Channel"}},
+    {"smux", 410, 135, {"OSC", "Flip"}},
 };
 
 Box WindowBox(UIElement* element) {

@@ -2,6 +2,7 @@
 // at a fresh temporary home so that no real preference or skin leaks in.
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -39,7 +40,15 @@ struct TempHome {
 };
 
 struct LuaPanelRig {
-    explicit LuaPanelRig(const std::string& stem) : driver(MakeDriver(stem)), manager(&driver->Module()) {}
+    explicit LuaPanelRig(const std::string& stem) : driver(MakeDriver(stem)), manager(&driver->Module()) {
+        std::copy(gGroupActiveColour, gGroupActiveColour + 4, savedActive);
+        std::copy(gGroupInactiveColour, gGroupInactiveColour + 4, savedInactive);
+    }
+    // The group colours are process-wide: put them back for the tests that follow in this process.
+    ~LuaPanelRig() {
+        std::copy(savedActive, savedActive + 4, gGroupActiveColour);
+        std::copy(savedInactive, savedInactive + 4, gGroupInactiveColour);
+    }
     // Builds the panel as an editor opening does.
     void Open() {
         gui = std::make_unique<PluginLuaGui>(&driver->Module());
@@ -78,6 +87,7 @@ struct LuaPanelRig {
     std::unique_ptr<HostDriver> driver;
     ZPmanager manager;
     std::unique_ptr<PluginLuaGui> gui;
+    float savedActive[4], savedInactive[4];
 };
 
 }  // namespace BR::Test
