@@ -25,6 +25,7 @@ struct PanelCase {
 const PanelCase kPanels[] = {
     {"dc", 510, 220, {"OSC", "Left Channel", "Right Channel"}},
     {"smux", 410, 135, {"OSC", "Flip"}},
+    {"sync", 673, 217, {"OSC", "Setup", "Clock Signal", "Run Signal", "Hardware", "Interface"}},
 };
 
 Box WindowBox(UIElement* element) {

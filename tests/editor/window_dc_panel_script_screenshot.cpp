@@ -73,7 +73,8 @@ TEST_P(WindowPanelScript, MatchesDocsPicture) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Built, WindowPanelScript,
-                         ::testing::Values(ShotCase{"dc", 510, 220, 0.15}, ShotCase{"smux", 410, 135, 0.05}),
+                         ::testing::Values(ShotCase{"dc", 510, 220, 0.15}, ShotCase{"smux", 410, 135, 0.05},
+                                           ShotCase{"sync", 673, 217, 0.1}),
                          [](const auto& info) { return std::string(info.param.stem); });
 
 }  // namespace BR::Test
