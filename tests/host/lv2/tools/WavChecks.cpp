@@ -221,4 +221,19 @@ int ExpectVarying(const std::vector<std::string>& args) {
     return 0;
 }
 
+// The frames at which a channel crosses zero upwards, one per line: where a script looks for a
+// change of an oscillator's speed.
+int Crossings(const std::vector<std::string>& args) {
+    const Arguments a(args, {});
+    if (a.positional.size() != 2) throw std::runtime_error("usage: crossings FILE CHANNEL");
+    const Audio audio = ReadAudio(a.positional[0]);
+    const size_t channel = size_t(std::stoul(a.positional[1]));
+    if (channel < 1 || channel > audio.channels.size())
+        return Fail("has no channel %g", a.positional[0], double(channel));
+    const std::vector<float>& x = audio.channels[channel - 1];
+    for (size_t i = 1; i < x.size(); ++i)
+        if (x[i - 1] < 0.0f && x[i] >= 0.0f) std::printf("%zu\n", i);
+    return 0;
+}
+
 }  // namespace BR::HostTool
