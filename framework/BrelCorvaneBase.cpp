@@ -49,7 +49,9 @@ BrelCorvaneBase::~BrelCorvaneBase() {
 void BrelCorvaneBase::InitModule() {
     MarkAllRowsChanged();
     SetMaxBlockSize(BR::kDefaultMaxBlockSize);
-    BR::SetOSCBasePort(BR::PreferenceStore::GetInt("OSC Base Port", 7000));
+    const int32_t basePortOverride = BR::GetOSCBasePortOverride();
+    BR::SetOSCBasePort(basePortOverride > 0 ? basePortOverride
+                                            : BR::PreferenceStore::GetInt("OSC Base Port", 7000));
     if (services) services->Start();
 }
 

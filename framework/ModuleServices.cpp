@@ -9,6 +9,7 @@ namespace {
 std::atomic<ModuleServicesFactory> servicesFactory{nullptr};
 std::atomic<GlobalMIDIHook> globalMIDIHook{nullptr};
 std::atomic<int32_t> oscBasePort{7000};
+std::atomic<int32_t> oscBasePortOverride{0};
 }  // namespace
 
 void SetModuleServicesFactory(ModuleServicesFactory factory) {
@@ -28,6 +29,13 @@ void SetOSCBasePort(int32_t port) {
 }
 int32_t GetOSCBasePort() {
     return oscBasePort.load(std::memory_order_relaxed);
+}
+
+void SetOSCBasePortOverride(int32_t port) {
+    oscBasePortOverride.store(port, std::memory_order_relaxed);
+}
+int32_t GetOSCBasePortOverride() {
+    return oscBasePortOverride.load(std::memory_order_relaxed);
 }
 
 }  // namespace BR

@@ -39,5 +39,9 @@ GlobalMIDIHook GetGlobalMIDIHook();
 // Process-wide OSC base port, read from the preferences by every InitModule.
 void SetOSCBasePort(int32_t port);
 int32_t GetOSCBasePort();
+// A base port that stands in for the preference for the rest of the run (0: none), such as the
+// command line's --osc-base-port.
+void SetOSCBasePortOverride(int32_t port);
+int32_t GetOSCBasePortOverride();
 
 }  // namespace BR

@@ -24,7 +24,10 @@ HostDriver::HostDriver(std::unique_ptr<BrelCorvaneBase> module_, const Catalogue
         sidechainIndex[size_t(k)] = k < module->NumSidechains() ? 2 + k : 0;
 }
 
-HostDriver::~HostDriver() = default;
+HostDriver::~HostDriver() {
+    // The module's server threads and script timers end before any part of it is taken down.
+    module->ShutdownModule();
+}
 
 int32_t HostDriver::ParameterIndexByName(const std::string& name) const {
     if (name == "Master Bypass") return 0;

@@ -15,6 +15,18 @@ namespace BR {
 namespace {
 constexpr float kAtlasWidth = 256.0f, kAtlasHeight = 128.0f;
 constexpr int kArcSegments = 48;
+// The cell's colour with a specular spot: it sits up and left of the centre, grows with the knob's
+// highlight and drifts slowly round with the phase, so a hovered knob seems to catch the light.
+const char* kKnobVertexShader =
+    "varying vec2 uv;\nvarying vec2 local;\nvoid main()\n{\ngl_Position = ftransform();\n"
+    "uv = gl_MultiTexCoord0.st;\nlocal = gl_MultiTexCoord1.st;\ngl_FrontColor = gl_Color;\n}\n";
+const char* kKnobFragmentShader =
+    "uniform sampler2D tex;\nuniform float glow;\nuniform float phase;\nvarying vec2 uv;\nvarying vec2 "
+    "local;\n"
+    "void main()\n{\nvec4 base = texture2D( tex, uv ) * gl_Color;\n"
+    "vec2 spot = vec2( -0.3 + 0.05 * sin( phase ), 0.3 + 0.05 * cos( phase ) );\n"
+    "float d = length( local - spot );\nfloat shine = ( 0.15 + 0.35 * glow ) * exp( -d * d * 18.0 );\n"
+    "gl_FragColor = vec4( base.rgb + vec3( shine ), base.a );\n}\n";
 // The needle starts at the lower left, 225 degrees counter-clockwise from the right, and turns clockwise.
 constexpr float kStartAngle = 3.926991f;
 }  // namespace
@@ -22,7 +34,43 @@ constexpr float kStartAngle = 3.926991f;
 ArcKnobRenderer::ArcKnobRenderer(GuiTexture* texture_, float x, float y, float size, float x2, float y2)
     : texture(texture_), cellX(x), cellY(y), cellSize(size), maskX(x2), maskY(y2) {}
 
+void ArcKnobRenderer::InitGL() {
+    if (!manager || !manager->haveShaders || !gEyeCandy) return;
+    vertexShader = glCreateShader(GL_VERTEX_SHADER);
+    glShaderSource(vertexShader, 1, &kKnobVertexShader, nullptr);
+    glCompileShader(vertexShader);
+    fragmentShader = glCreateShader(GL_FRAGMENT_SHADER);
+    glShaderSource(fragmentShader, 1, &kKnobFragmentShader, nullptr);
+    glCompileShader(fragmentShader);
+    program = glCreateProgram();
+    glAttachShader(program, vertexShader);
+    glAttachShader(program, fragmentShader);
+    glLinkProgram(program);
+    GLint linked = 0;
+    glGetProgramiv(program, GL_LINK_STATUS, &linked);
+    if (!linked) {
+        // A driver that cannot build it gets the plain quads.
+        ReleaseGL();
+        return;
+    }
+    texUniform = glGetUniformLocation(program, "tex");
+    glowUniform = glGetUniformLocation(program, "glow");
+    phaseUniform = glGetUniformLocation(program, "phase");
+}
+
+void ArcKnobRenderer::ReleaseGL() {
+    if (program) {
+        glDetachShader(program, vertexShader);
+        glDetachShader(program, fragmentShader);
+        glDeleteProgram(program);
+    }
+    if (vertexShader) glDeleteShader(vertexShader);
+    if (fragmentShader) glDeleteShader(fragmentShader);
+    program = vertexShader = fragmentShader = 0;
+}
+
 int32_t ArcKnobRenderer::AddKnob(ArcKnob* knob) {
+    if (!manager) manager = knob->manager;
     slots.push_back(Slot{0, 0, cellSize, 0, {1, 1, 1, 1}, true, knob});
     return int32_t(slots.size()) - 1;
 }
@@ -45,6 +93,7 @@ void ArcKnobRenderer::DrawCell(const Slot& slot, float cx, float cy, float angle
     const float v0 = cellY / kAtlasHeight, v1 = (cellY + cellSize) / kAtlasHeight;
     const float c = std::cos(angle), s = std::sin(angle);
     auto corner = [&](float u, float v, float dx, float dy) {
+        glMultiTexCoord2f(GL_TEXTURE1, dx / half, dy / half);
         glTexCoord2f(u, v);
         glVertex2f(cx + dx * c - dy * s, cy + dx * s + dy * c);
     };
@@ -90,12 +139,19 @@ void ArcKnobRenderer::Draw() {
     if (textured) {
         glEnable(GL_TEXTURE_2D);
         texture->Bind();
+        if (program) {
+            glUseProgram(program);
+            glUniform1i(texUniform, 0);
+            glUniform1f(phaseUniform, manager ? float(manager->renderTime) : 0.0f);
+        }
         for (const Slot& slot : slots) {
             if (!slot.enabled) continue;
             const float level = 0.85f + 0.15f * slot.knob->highlight;
             glColor4f(level, level, level, 1.0f);
+            if (program) glUniform1f(glowUniform, slot.knob->highlight);
             DrawCell(slot, slot.x + slot.size * 0.5f, slot.y + slot.size * 0.5f, spin ? -slot.angle : 0.0f);
         }
+        if (program) glUseProgram(0);
         glDisable(GL_TEXTURE_2D);
     }
     if (spin) return;

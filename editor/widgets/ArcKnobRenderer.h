@@ -28,14 +28,21 @@ public:
     ArcKnobRenderer(GuiTexture* texture, float x, float y, float size, float x2, float y2);
     void Animate() override;
     void Draw() override;
+    // With "Enable eye candy" and GLSL: the shader that adds a moving specular highlight to the cells.
+    void InitGL() override;
+    void ReleaseGL() override;
     int32_t AddKnob(ArcKnob* knob);
+    bool HasShader() const { return program != 0; }
 
     GuiTexture* texture;
     float cellX, cellY, cellSize, maskX, maskY;
     std::vector<Slot> slots;
     bool spin = false;  // the textured renderer: the cell itself turns
+    Manager* manager = nullptr;
 
 protected:
+    uint32_t program = 0, vertexShader = 0, fragmentShader = 0;
+    int32_t texUniform = -1, glowUniform = -1, phaseUniform = -1;
     void DrawCell(const Slot& slot, float cx, float cy, float angle) const;
     void DrawArc(const Slot& slot) const;
 };

@@ -56,7 +56,12 @@ int RunEdit(int argc, char** argv) {
     RenderJob job = ParseRenderJob(argc, argv, 2);
     const CatalogueEntry* entry = FindCatalogueEntry(job.stem);
     if (!entry) throw UsageError("unknown module \"" + job.stem + "\"; \"corvane list\" shows the modules");
-    std::unique_ptr<BrelCorvaneBase> module = CreateModule(job.stem);
+    // The editor's render is in real time anyway: the server, scripts and base port of the
+    // command line apply as they do to "render --realtime".
+    ApplyRemoteSettings(job.remote);
+    CheckScripts(job.scripts, "");
+    std::unique_ptr<BrelCorvaneBase> module =
+        CreateScriptedModule([&] { return CreateModule(job.stem); }, job.scripts, job.stem);
     if (!module) throw UsageError("module \"" + job.stem + "\" is not available in this build");
     HostDriver driver(std::move(module), *entry, float(job.sampleRate),
                       std::min<uint32_t>(job.blockSize, kDefaultMaxBlockSize));

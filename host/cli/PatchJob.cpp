@@ -76,12 +76,14 @@ void OrderInstances(Patch& patch) {
     patch.order = std::move(finder.order);
 }
 
-int64_t RunPatch(const Patch& patch, const ModuleSource& modules) {
+int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSettings& remote) {
+    ApplyRemoteSettings(remote);
     const size_t count = patch.instances.size();
     const uint32_t maxBlock = std::min<uint32_t>(patch.blockSize, kDefaultMaxBlockSize);
     std::vector<std::unique_ptr<HostDriver>> drivers;
     for (const PatchInstance& instance : patch.instances) {
-        std::unique_ptr<BrelCorvaneBase> module = modules.create(*instance.entry);
+        std::unique_ptr<BrelCorvaneBase> module = CreateScriptedModule(
+            [&] { return modules.create(*instance.entry); }, instance.scripts, instance.name);
         if (!module)
             throw InputError(patch.path + ": " + instance.place + ".module: \"" + instance.entry->stem +
                              "\" could not be made");
@@ -132,6 +134,7 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules) {
         driver->SetTransport(clock.Transport(), true);
     std::vector<const float*> in;
     std::vector<float*> out;
+    const RealTimePacer pacer(remote.realtime, patch.sampleRate);
     for (int64_t done = 0; done < patch.frames;) {
         const uint32_t n = clock.NextBlock(done, uint32_t(std::min<int64_t>(maxBlock, patch.frames - done)));
         for (size_t i : patch.order) {
@@ -155,6 +158,7 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules) {
         }
         clock.Advance(n);
         done += n;
+        pacer.Wait(done);
     }
     for (auto& driver : drivers)
         driver->SetTransport(nullptr);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "PropertyOptions.h"
+#include "RemoteOptions.h"
 #include "RenderPieces.h"
 #include "WavFile.h"
 #include "framework/ModuleCatalogue.h"
@@ -40,6 +41,7 @@ struct PatchInstance {
     std::vector<PatchSource> inputs;          // one per module input; silence past the list
     std::string statePath;                    // absolute or from the working folder; empty for none
     std::string calibrationPath;              // loaded after the settings and properties; empty for none
+    std::vector<std::string> scripts;         // user scripts run after the per-user folder's
     std::string outPath;
 };
 
@@ -67,7 +69,8 @@ const ModuleSource& BuiltModules();
 Patch ParsePatch(const std::string& path, const ModuleSource& modules = BuiltModules());
 // Renders and writes one WAV per instance; returns the frames rendered. Settings and states that a
 // module refuses end it with an InputError before anything is written.
-int64_t RunPatch(const Patch& patch, const ModuleSource& modules = BuiltModules());
+int64_t RunPatch(const Patch& patch, const ModuleSource& modules = BuiltModules(),
+                 const RemoteSettings& remote = {});
 
 // Fills `order`, or throws InputError at the input that closes a loop of instances feeding each other.
 void OrderInstances(Patch& patch);

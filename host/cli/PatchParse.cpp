@@ -284,6 +284,15 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
     if (value.contains("state")) instance.statePath = Resolve(Text(value["state"], place + ".state"));
     if (value.contains("calibration"))
         instance.calibrationPath = Resolve(Text(value["calibration"], place + ".calibration"));
+    if (value.contains("scripts")) {
+        const Json& scripts = value["scripts"];
+        if (!scripts.is_array()) Fail(place + ".scripts", "expected an array of Lua files");
+        for (size_t k = 0; k < scripts.size(); ++k) {
+            const std::string at = place + ".scripts[" + std::to_string(k) + "]";
+            instance.scripts.push_back(Resolve(Text(scripts[k], at)));
+            CheckScripts({instance.scripts.back()}, path + ": " + at);
+        }
+    }
     const std::string out =
         value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav";
     if (out.empty()) Fail(place + ".out", "must name a file");
@@ -327,7 +336,7 @@ Patch PatchReader::Read() {
         const Json& value = instances[i];
         OnlyKeys(value, instance.place,
                  {"name", "module", "set", "properties", "midi", "events", "inputs", "state", "calibration",
-                  "out"});
+                  "scripts", "out"});
         if (!value.contains("name")) Fail(instance.place + ".name", "missing");
         instance.name = Text(value["name"], instance.place + ".name");
         if (instance.name.empty()) Fail(instance.place + ".name", "must not be empty");

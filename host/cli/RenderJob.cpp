@@ -134,7 +134,10 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
             job.calibrationOut = PathValue(cursor, option);
         } else if (option == "--out") {
             job.outputPath = PathValue(cursor, option);
-        } else if (!ParseTransportOption(option, cursor, job.transport)) {
+        } else if (option == "--script") {
+            job.scripts.push_back(PathValue(cursor, option));
+        } else if (!ParseTransportOption(option, cursor, job.transport) &&
+                   !ParseRemoteOption(option, cursor, job.remote)) {
             throw UsageError("render: unknown option \"" + option + "\"");
         }
     }
@@ -145,7 +148,10 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
 int64_t RunRenderJob(const RenderJob& job) {
     const CatalogueEntry* entry = FindCatalogueEntry(job.stem);
     if (!entry) throw UsageError("unknown module \"" + job.stem + "\"; \"corvane list\" shows the modules");
-    std::unique_ptr<BrelCorvaneBase> module = CreateModule(job.stem);
+    ApplyRemoteSettings(job.remote);
+    CheckScripts(job.scripts, "");
+    std::unique_ptr<BrelCorvaneBase> module =
+        CreateScriptedModule([&] { return CreateModule(job.stem); }, job.scripts, job.stem);
     if (!module) throw UsageError("module \"" + job.stem + "\" is not available in this build");
     HostDriver driver(std::move(module), *entry, float(job.sampleRate),
                       std::min<uint32_t>(job.blockSize, kDefaultMaxBlockSize));
@@ -216,6 +222,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
 
     BlockClock clock(job.transport, job.sampleRate);
     driver.SetTransport(clock.Transport());
+    const RealTimePacer pacer(job.remote.realtime, job.sampleRate);
     for (int64_t done = 0; done < frames;) {
         const uint32_t n = clock.NextBlock(done, uint32_t(std::min<int64_t>(job.blockSize, frames - done)));
         for (size_t c = 0; c < numIn; ++c)
@@ -225,6 +232,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
         const std::vector<TimedMidi>& blockMidi = midi.Block(done, n);
         driver.Process(in.data(), out.data(), n, blockMidi.data(), uint32_t(blockMidi.size()));
         done += n;
+        pacer.Wait(done);
     }
     driver.SetTransport(nullptr);
     WriteWav(job.outputPath, output);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "PropertyOptions.h"
+#include "RemoteOptions.h"
 #include "RenderPieces.h"
 #include "host/HostDriver.h"
 
@@ -29,6 +30,8 @@ struct RenderJob {
     std::string calibrationOut;  // the calibration table saved after the render
     std::string outputPath;
     TransportSettings transport;
+    std::vector<std::string> scripts;  // user scripts run after the per-user folder's
+    RemoteSettings remote;
 };
 
 // Parses "render STEM [options]" from argv[first] on; throws UsageError.

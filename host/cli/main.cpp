@@ -10,6 +10,7 @@
 #include "PatchJob.h"
 #include "RenderJob.h"
 #include "framework/ModuleCatalogue.h"
+#include "remote/RemoteServices.h"
 
 namespace {
 
@@ -24,9 +25,11 @@ const char* kUsage =
     "      --property ID[=VALUE]...\n"
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
+    "      --realtime  --script FILE.lua...  --osc-base-port N\n"
     "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
-    "  patch FILE.json           render several instances together, one WAV each\n"
+    "  patch FILE.json [--realtime] [--osc-base-port N]\n"
+    "                            render several instances together, one WAV each\n"
     "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
 
 int Dispatch(int argc, char** argv) {
@@ -52,9 +55,15 @@ int Dispatch(int argc, char** argv) {
     }
     if (command == "edit") return BR::RunEdit(argc, argv);
     if (command == "patch") {
-        if (argc != 3) throw BR::UsageError("patch needs exactly one patch file");
+        if (argc < 3 || argv[2][0] == '-') throw BR::UsageError("patch needs exactly one patch file");
+        BR::RemoteSettings remote;
+        BR::ArgumentCursor cursor(argc, argv, 3);
+        std::string option;
+        while (cursor.Next(option))
+            if (!BR::ParseRemoteOption(option, cursor, remote))
+                throw BR::UsageError("patch: unknown option \"" + option + "\"");
         const BR::Patch patch = BR::ParsePatch(argv[2]);
-        const int64_t frames = BR::RunPatch(patch);
+        const int64_t frames = BR::RunPatch(patch, BR::BuiltModules(), remote);
         for (const BR::PatchInstance& instance : patch.instances)
             std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames,
                          instance.outPath.c_str());
@@ -106,6 +115,9 @@ int CorvaneMain(int argc, char** argv) {
 
 #ifndef CORVANE_CLI_NO_MAIN
 int main(int argc, char** argv) {
+    // Every module the command makes gets its OSC server and Lua helper. Tests that drive the
+    // command in-process run without them.
+    BR::InstallRemoteServices();
     return CorvaneMain(argc, argv);
 }
 #endif

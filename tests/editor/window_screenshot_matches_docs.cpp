@@ -67,6 +67,11 @@ TEST(WindowScreenshot, TestPanelMatchesDocs) {
     const std::vector<uint8_t> shot = GrabPanel(w, width, height);
     ASSERT_EQ(width, 400);
     ASSERT_EQ(height, 200);
+    // "Enable eye candy" is on by default and llvmpipe has GLSL: the knobs are drawn with their shader.
+    auto* renderer = dynamic_cast<ArcKnobRenderer*>(w.rig->manager->animatedElements.at(0));
+    ASSERT_NE(renderer, nullptr);
+    EXPECT_TRUE(renderer->HasShader());
+    EXPECT_NE(w.rig->manager->shaderProgram, 0u);
     // Plain background (grey 0.4) in an empty corner; text in the banner and in the status line.
     EXPECT_NEAR(Brightness(shot, width, 300, 120, 380, 160), 0.4 * 255, 3);
     // The banner: (0.1, 0.1, 0.15) at alpha 0.3 over the background, between its text and the status.
@@ -93,6 +98,7 @@ TEST(WindowScreenshot, WithoutFramebuffersOrShadersTheLabelsStillShow) {
     EXPECT_FALSE(w.rig->manager->haveFramebuffers);
     EXPECT_FALSE(w.rig->manager->haveShaders);
     EXPECT_EQ(w.rig->manager->shaderProgram, 0u);
+    EXPECT_FALSE(dynamic_cast<ArcKnobRenderer*>(w.rig->manager->animatedElements.at(0))->HasShader());
     int width = 0, height = 0;
     const std::vector<uint8_t> shot = GrabPanel(w, width, height);
     unsetenv("CORVANE_NO_FBO");

@@ -68,8 +68,7 @@ TEST(CliPatchErrors, NameThePlace) {
                   "instances[1].name: \"a\" names another instance already");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc", "sett": {}}]})",
                   "instances[0].sett: unknown key; expected one of name, module, set, properties, midi, "
-                  "events, inputs, "
-                  "state, calibration, out");
+                  "events, inputs, state, calibration, scripts, out");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc", "set": {"Output Positive L": 2}}]})",
                   "instances[0].set.\"Output Positive L\": 2 is outside 0..1");
     ExpectRefused(f, R"({"instances": [{"name": "a", "module": "dc", "set": {"Volume": 1}}]})",

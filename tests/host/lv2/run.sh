@@ -6,11 +6,11 @@ set -euo pipefail
 HERE=$(cd "$(dirname "$0")" && pwd)
 BUILD=${1:-$HERE/../../../build}
 passed=0
-for test in validate offline jalv ardour; do
+for test in validate offline jalv jalv_osc ardour; do
     start=$(date +%s.%N)
     bash "$HERE/$test.sh" "$BUILD"
     seconds=$(awk -v s="$start" -v e="$(date +%s.%N)" 'BEGIN { printf "%.1f", e - s }')
     echo "-- LV2 host test $test passed in $seconds s"
     passed=$((passed + 1))
 done
-echo "LV2 host tests passed: $passed of 4"
+echo "LV2 host tests passed: $passed of 5"

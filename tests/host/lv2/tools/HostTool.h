@@ -28,5 +28,6 @@ int ExpectConstant(const std::vector<std::string>& args);
 int ExpectGate(const std::vector<std::string>& args);
 int ExpectRamp(const std::vector<std::string>& args);
 int ExpectVarying(const std::vector<std::string>& args);
+int Crossings(const std::vector<std::string>& args);
 
 }  // namespace BR::HostTool
