@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "modules/events/Follower.h"
 #include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
@@ -36,6 +37,7 @@ const FactoryRow kFactories[] = {
     {"cvinput", &BrelCorvaneCVInput::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
+    {"follower", &BrelCorvaneFollower::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},

@@ -43,6 +43,8 @@ Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scal
 # The adaptive mode sends every channel during the first two slices of the module, so its stream depends
 # on where the first blocks are cut: like corvane render, the host cuts at 1024 (or at 256).
 dunmorecombiner | varies | 256 1024       | Target Hardware=1, Filter 2=1, Filter 5=1, Input 7=1
+# The input sines followed: stepped pitch plus half the envelope on L, the envelope on R
+follower        | varies | 4096 16384     | Output Env L=0.5, Env Attack=5, Env Release=20
 # Free-running waves; the input multiplies R
 lfo             | varies | 4096 16384     | Speed L=3, Sine L=1, Triangle L=-0.3, Speed R=7, Square R=0.4, Pulse Width R=30, Saw R=0.5, Input Mode R=1
 # Even steps: L offset by a quarter step and slewed, R transposed and smoothed
