@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "modules/events/CVToMIDI.h"
+#include "modules/events/Follower.h"
 #include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
@@ -34,8 +36,10 @@ const FactoryRow kFactories[] = {
     {"basaltcontroller", &BrelCorvaneBasaltController::Create},
     {"cindercombiner", &BrelCorvaneCinderCombiner::Create},
     {"cvinput", &BrelCorvaneCVInput::Create},
+    {"cvtomidi", &BrelCorvaneCVToMIDI::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
+    {"follower", &BrelCorvaneFollower::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},
