@@ -17,7 +17,7 @@ namespace {
 const char* kPatch = R"({
   "rate": 48000, "block": 256, "frames": 24576,
   "instances": [
-    {"name": "lfo", "module": "lfo", "out": "lfo.wav"},
+    {"name": "lfo", "module": "lfo", "out": "lfo.wav", "set": {"Sine L": 1, "Triangle R": 0.8, "Speed R": 3.7}},
     {"name": "vc", "module": "voicecontroller", "out": "vc.wav" EVENTS},
     {"name": "sync", "module": "sync", "inputs": ["lfo:0"], "out": "sync.wav"}
   ], "midi_in": ["vc"]
