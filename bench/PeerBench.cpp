@@ -1,7 +1,7 @@
 // A small LV2 host that runs Corvane's plug-ins beside Debian's blop plug-ins that do the same job,
 // with the same activity (a gate toggling at the same rate, comparable control values, the same block
 // sizes), and prints the time per frame of each and the ratios measured in this one run.
-// Usage: peer_bench [--seconds S] [--repeats N]
+// Usage: peer_bench [--seconds S] [--repeats N] [--only TEXT]  (--only: plug-ins whose label holds TEXT)
 #include <lilv/lilv.h>
 #include <lv2/atom/atom.h>
 #include <lv2/buf-size/buf-size.h>
@@ -246,9 +246,11 @@ std::vector<Setup> Pairs() {
 int main(int argc, char** argv) {
     double seconds = 1.0;
     int repeats = 9;
+    std::string only;
     for (int i = 1; i + 1 < argc; i += 2) {
         if (std::strcmp(argv[i], "--seconds") == 0) seconds = std::atof(argv[i + 1]);
         if (std::strcmp(argv[i], "--repeats") == 0) repeats = std::atoi(argv[i + 1]);
+        if (std::strcmp(argv[i], "--only") == 0) only = argv[i + 1];
     }
     if (!(seconds > 0.0) || repeats < 1) {
         std::fprintf(stderr, "usage: peer_bench [--seconds S] [--repeats N]\n");
@@ -302,13 +304,18 @@ int main(int argc, char** argv) {
     std::printf("%-40s %6s %12s\n", "plug-in", "block", "ns/frame");
     for (uint32_t block : {32u, 64u, 256u}) {
         std::vector<double> best(runners.size(), 1e30);
+        auto chosen = [&](size_t k) {
+            return only.empty() || setups[k].label.find(only) != std::string::npos;
+        };
         for (int r = 0; r < repeats; ++r)
             for (size_t k = 0; k < runners.size(); ++k)
-                best[k] = std::min(best[k], runners[k]->Render(frames, block));
+                if (chosen(k)) best[k] = std::min(best[k], runners[k]->Render(frames, block));
         for (size_t k = 0; k < runners.size(); ++k)
-            std::printf("%-40s %6u %12.2f\n", setups[k].label.c_str(), block, best[k] * 1e9 / double(frames));
+            if (chosen(k))
+                std::printf("%-40s %6u %12.2f\n", setups[k].label.c_str(), block,
+                            best[k] * 1e9 / double(frames));
         for (size_t k = 0; k < runners.size(); ++k)
-            if (setups[k].baseline >= 0)
+            if (setups[k].baseline >= 0 && chosen(k) && chosen(size_t(setups[k].baseline)))
                 std::printf("  ratio %-38s / %-18s = %.2f  (block %u)\n", setups[k].label.c_str(),
                             setups[size_t(setups[k].baseline)].label.c_str(),
                             best[k] / best[size_t(setups[k].baseline)], block);

@@ -66,6 +66,10 @@ public:
     void SetBannerMode(const std::string& mode);
     void SetBannerBounds(float left, float top, float right, float bottom);
     void SetBannerContent(const std::string& mode, float textX, float statusX);
+    // Where the status line's text starts, in panel x.
+    float StatusLineX() const;
+    // The banner's text: with the maker's prefix in the full mode, the name alone in "nameOnly".
+    std::string BannerString() const;
 
     // Starts the render thread drawing through `bridge`.
     void CreateRenderTask(ManagerPlatformBridge* bridge);

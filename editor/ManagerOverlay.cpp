@@ -68,11 +68,15 @@ void Manager::DrawOverlay2D() {
     glDisable(GL_BLEND);
 }
 
+float Manager::StatusLineX() const {
+    // A negative start means "just right of the middle".
+    return statusX < 0 ? float(designWidth) * 0.5f + (bannerMode == 2 ? 25.0f : 15.0f) : statusX;
+}
+
 void Manager::DrawStatusLine() {
     const int32_t id = editedParameter >= 0 ? editedParameter : hoveredParameter;
     if (id == -1) return;
-    float x = statusX;
-    if (x < 0) x = float(designWidth) * 0.5f + (bannerMode == 2 ? 25.0f : 15.0f);
+    float x = StatusLineX();
     const float y = bannerBounds[1] - mainFont->Descender();
     glColor4fv(bannerTextColour);
     if (id < -1) {

@@ -92,6 +92,12 @@ void Manager::RenderThreadMain() {
     renderThreadDone = true;
 }
 
+std::string Manager::BannerString() const {
+    char banner[128];
+    std::snprintf(banner, sizeof banner, "%scorvane %d.%d.%d", bannerMode == 0 ? "brelmont : " : "", 2, 6, 1);
+    return banner;
+}
+
 bool Manager::InitialiseRendering() {
     const bool haveContext = bridge && bridge->CreateWindowContext();
     windowWidth = panelWidth = designWidth;
@@ -129,9 +135,7 @@ bool Manager::InitialiseRendering() {
     for (Effect* effect : animatedElements)
         effect->InitGL();
     InitRendering();
-    char banner[128];
-    std::snprintf(banner, sizeof banner, "%scorvane %d.%d.%d", bannerMode == 0 ? "brelmont : " : "", 2, 6, 1);
-    bannerText->SetText(mainFont->Loaded() && bannerMode != 2 ? mainFont : nullptr, banner);
+    bannerText->SetText(mainFont->Loaded() && bannerMode != 2 ? mainFont : nullptr, BannerString().c_str());
     const int textureWidth = hiDpi ? 2048 : 1024, textureHeight = hiDpi ? 1024 : 512;
     GLuint texture = 0;
     glGenTextures(1, &texture);

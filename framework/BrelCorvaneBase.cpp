@@ -83,9 +83,12 @@ bool BrelCorvaneBase::RowsChanged(int32_t first, int32_t count) const {
 }
 
 void BrelCorvaneBase::PollParameters() {
-    if (controller && controller->GetSampleRate() != polledSampleRate) {
-        polledSampleRate = controller->GetSampleRate();
-        pollAll = true;
+    if (controller) {
+        const float rate = controller->GetSampleRate();
+        if (rate != polledSampleRate) {
+            polledSampleRate = rate;
+            pollAll = true;  // every rate-derived value is due again
+        }
     }
     const uint32_t words = std::min<uint32_t>(NumChangedWords(), uint32_t(blockChanged.size()));
     const uint32_t numObjects = uint32_t(parameterList.size());

@@ -3,8 +3,14 @@
 
 #include <cstring>
 
+#include "modules/events/CVToMIDI.h"
+#include "modules/events/Follower.h"
+#include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
+#include "modules/hardware/CVInput.h"
+#include "modules/hardware/CinderCombiner.h"
+#include "modules/hardware/DunmoreCombiner.h"
 #include "modules/hardware/SMUX.h"
 #include "modules/sequencing/Quantizer.h"
 #include "modules/sequencing/StepLFO.h"
@@ -25,9 +31,15 @@ struct FactoryRow {
 
 const FactoryRow kFactories[] = {
     // clang-format off
+    {"acencoder", &BrelCorvaneACEncoder::Create},
     {"ardentcontroller", &BrelCorvaneArdentController::Create},
     {"basaltcontroller", &BrelCorvaneBasaltController::Create},
+    {"cindercombiner", &BrelCorvaneCinderCombiner::Create},
+    {"cvinput", &BrelCorvaneCVInput::Create},
+    {"cvtomidi", &BrelCorvaneCVToMIDI::Create},
     {"dc", &BrelCorvaneDC::Create},
+    {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
+    {"follower", &BrelCorvaneFollower::Create},
     {"Function", &BrelCorvaneFunction::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},

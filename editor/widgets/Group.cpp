@@ -81,14 +81,17 @@ UIElement* Group::HitTest(Point point) {
 }
 
 NamedGroup::NamedGroup(Manager* manager, std::string title_, float padding_)
-    : Group(manager), title(std::move(title_)), padding(padding_) {}
+    : Group(manager), title(std::move(title_)), padding(padding_) {
+    for (float& side : sides)
+        side = padding_;
+}
 
 void NamedGroup::ContentBounds(Box& bounds) {
     for (UIElement* child : children)
         child->GetBounds(bounds);
     if (children.empty()) bounds = Box{{0, 0, 0, 0, 0, 0}};
-    bounds.v[0] -= padding, bounds.v[1] -= padding;
-    bounds.v[3] += padding, bounds.v[4] += padding + 6.0f;
+    bounds.v[0] -= sides[0], bounds.v[1] -= sides[1];
+    bounds.v[3] += sides[2], bounds.v[4] += sides[3] + 6.0f;
 }
 
 void NamedGroup::GetBounds(Box& bounds) {

@@ -50,6 +50,10 @@ public:
 
     std::string title;
     float padding;
+    // Left, bottom, right, top; all `padding` unless a script gives them one by one.
+    float sides[4];
+    // The content's bounds with the padding, in group space.
+    void PaddedBounds(Box& bounds) { ContentBounds(bounds); }
     bool hovered = false;
     float colour[4] = {0.6f, 0.6f, 0.6f, 1.0f};
     float frame[12] = {};  // six vertices of the open frame, in group space

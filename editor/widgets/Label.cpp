@@ -3,6 +3,8 @@
 
 #include <GL/glew.h>
 
+#include <algorithm>
+
 #include "editor/GuiFont.h"
 
 namespace BR {
@@ -10,6 +12,19 @@ namespace BR {
 Label::Label(Manager* manager, std::string text_, float x, float y, int32_t align_, float w, float h)
     : ControlBase(manager), text(std::move(text_)), align(align_) {
     SetRect(x, y, w, h);
+}
+
+void Label::GetBounds(Box& bounds) {
+    if (Height() > 0) {
+        UIElement::GetBounds(bounds);
+        return;
+    }
+    // 11 px text: about 6 px per character, 14 px from the top of the capitals to the descenders.
+    const float halfWidth = 3.0f * float(text.size());
+    const float left = align == 1 ? rect[0] : rect[0] - halfWidth;
+    const float right = align == 1 ? rect[0] + 2 * halfWidth : rect[0] + halfWidth;
+    bounds.v[0] = std::min(bounds.v[0], left), bounds.v[3] = std::max(bounds.v[3], right);
+    bounds.v[1] = std::min(bounds.v[1], rect[1] - 14.0f), bounds.v[4] = std::max(bounds.v[4], rect[1]);
 }
 
 void Label::DrawIntoPanel(GuiFont* font) {

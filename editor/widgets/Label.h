@@ -13,6 +13,9 @@ public:
     Label(Manager* manager, std::string text, float x, float y, int32_t align = 0, float w = 0, float h = 0);
     void DrawIntoPanel(GuiFont* font) override;
     UIElement* HitTest(Point) override { return nullptr; }
+    // A label placed by a point hangs below it: its layout box is the text's estimated extent, so that
+    // a group's frame encloses it.
+    void GetBounds(Box& bounds) override;
 
     std::string text;
     int32_t align;

@@ -14,6 +14,7 @@
 #include "RenderJob.h"
 #include "StateFile.h"
 #include "editor/GenericPanel.h"
+#include "editor/PluginLuaGui.h"
 #include "editor/X11Window.h"
 #include "editor/ZPmanager.h"
 #include "framework/ModuleCatalogue.h"
@@ -80,7 +81,12 @@ int RunEdit(int argc, char** argv) {
     int status = 0;
     {
         ZPmanager manager(&driver.Module());
-        BuildGenericPanel(manager);
+        // The panel script of the module; the plain grid only where no script is built in yet.
+        PluginLuaGui gui(&driver.Module());
+        if (FindBuiltInScript(driver.Module().GetGuiScriptName()))
+            gui.OpenPanel(&manager);
+        else
+            BuildGenericPanel(manager);
         X11Window window;
         if (!window.Open(manager.designWidth, manager.designHeight,
                          std::string("corvane ") + driver.Module().GetModuleName(), 0, nullptr)) {

@@ -36,8 +36,10 @@ inline void SetGateBit(uint8_t* bytes, int32_t g) {
 
 // The bits an audio sample contributes to a word when thru is on. They are OR-ed into the frame,
 // never added: this is how the expander's makers combine the two, and a full positive sample of 1.0
-// therefore gives bit 23 alone. A value so large it would not fit an int saturates rather than wrap.
+// therefore gives bit 23 alone. A value so large it would not fit an int saturates rather than wrap,
+// and a non-number contributes nothing.
 inline int32_t ThruBits(float x, float fullScale) {
+    if (x != x) return 0;  // a non-number adds no bits
     if (x >= 0.0f) {
         const float scaled = x * fullScale;
         return scaled < 2147483520.0f ? int32_t(scaled) : 0x7FFFFF80;

@@ -185,7 +185,8 @@ void BrelCorvane::ReadSettings() {
     s.clockHigh = BlockValue(kClockHigh);
     s.runLow = BlockValue(kRunLow);
     s.runHigh = BlockValue(kRunHigh);
-    s.hardwareMode = int32_t(BlockValue(kHardwareMode));
+    s.hardwareMode = std::clamp(int32_t(BlockValue(kHardwareMode)), 0, 2);
+    s.interfaceCategory = std::clamp(int32_t(BlockValue(kInterfaceCategory)), 0, 1);
     s.runSignalType = int32_t(BlockValue(kRunSignalType));
     const double rate = double(sampleRate);
     s.runPulseLength = std::max(1, int32_t(double(BlockValue(kRunTriggerLength)) * rate * 0.001));
@@ -458,7 +459,10 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
 
 void BrelCorvane::RenderChunk(float* const* inputs, float* const* outputs, uint32_t at, uint32_t frames) {
     const SyncSettings& s = settings;
-    // The hardware frames of "BR Hardware Mode" are not produced by this build: the audio passes as it is.
+    if (s.hardwareMode != 0) {
+        RenderHardwareChunk(inputs, outputs, at, frames);
+        return;
+    }
     const bool plain = s.hardwareMode == 0 && s.dinsyncType != kTypeOff;
     float add[2] = {0.0f, 0.0f};
     const bool clockActive = clockPhase > 3 && !s.muteClocks;

@@ -57,9 +57,15 @@ struct SyncSettings {
     double offsetSeconds;
     bool firstDelay, muteClocks, skipFirstClock, enableFSK;
     float clockLow, clockHigh, runLow, runHigh;
-    int32_t hardwareMode;
+    int32_t hardwareMode;  // 0 plain, 1 "Ardent" frame, 2 "Basalt" frame
+    int32_t interfaceCategory;
     int32_t runSignalType;
     int32_t runPulseLength;  // samples, at least 1
+};
+
+// What the editor sees: the last hardware frame's bytes.
+struct SyncStatus {
+    uint8_t frameBytes[6];
 };
 
 class BrelCorvane : public BrelCorvaneBase {
@@ -97,6 +103,7 @@ private:
     void StartPulse(int64_t elapsed);
     void EndPhase();
     void RenderChunk(float* const* inputs, float* const* outputs, uint32_t at, uint32_t frames);
+    void RenderHardwareChunk(float* const* inputs, float* const* outputs, uint32_t at, uint32_t frames);
     double ToStraight(double x) const;
     double ToSwung(double x) const;
 

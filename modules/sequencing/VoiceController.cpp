@@ -278,6 +278,8 @@ void BrelCorvane::InitModule() {
     velocityLow = velocityRange = 0.0f;
     hardwareMode = targetHardware = targetChannel = interfaceCategory = 0;
     std::fill(bipolar, bipolar + 3, false);
+    hardwareCinder = BR::CinderStream();
+    hardwareDunmore = BR::DunmoreStream();
     *display = VoiceControllerStatus{};
     BrelCorvaneBase::InitModule();
 }
@@ -416,15 +418,15 @@ void BrelCorvane::ReadRows() {
     }
     smoothingRate = sampleRate;
 
-    hardwareMode = int32_t(BlockValue(kHardwareMode));
+    hardwareMode = std::clamp(int32_t(BlockValue(kHardwareMode)), 0, 3);
     if (hardwareMode == 1)
         for (int32_t b = 0; b < 3; ++b)
             bipolar[b] = BlockValue(kBipolar3 + b) != 0.0f;
     if (hardwareMode != 0) {
-        targetHardware = int32_t(BlockValue(kTargetHardware));
-        targetChannel = int32_t(BlockValue(kTargetChannel));
+        targetHardware = std::clamp(int32_t(BlockValue(kTargetHardware)), 0, 1);
+        targetChannel = std::clamp(int32_t(BlockValue(kTargetChannel)), 0, 5);
     }
-    interfaceCategory = int32_t(BlockValue(kInterfaceCategory));
+    interfaceCategory = std::clamp(int32_t(BlockValue(kInterfaceCategory)), 0, 1);
 }
 
 void BrelCorvane::UpdateNoteOutputs() {

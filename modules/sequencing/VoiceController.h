@@ -9,6 +9,7 @@
 #include "Envelope.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/Smoothing.h"
+#include "modules/hardware/CombinerStream.h"
 
 namespace BrelCorvaneVoiceController {
 
@@ -194,6 +195,8 @@ private:
     void RenderPitch(float* slot, uint32_t frames);
     void MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput);
     void Smooth(float** outputs, uint32_t offset, uint32_t frames);
+    // Replaces the first outputs by frame words in a hardware mode.
+    void EncodeHardware(float** outputs, uint32_t offset, uint32_t frames);
     void StartGlide();
     void Measure(float** inputs, float** outputs, uint32_t frames);
     void RenderMeasureLevel(float** outputs, uint32_t offset, uint32_t frames, float level);
@@ -260,6 +263,10 @@ private:
     BR::OutputSmoother smoother[kNumOutputs];  // slewStep, onePoleCoefficient, smoothState per output
     int32_t hardwareMode, targetHardware, targetChannel, interfaceCategory;
     bool bipolar[3];
+    // Encoder states of "Cinder" and "Dunmore": phase and latched value run on across blocks; the
+    // remembered values start at 0, with no warm-up.
+    BR::CinderStream hardwareCinder;
+    BR::DunmoreStream hardwareDunmore;
     std::vector<float> scratch;  // kNumSources slots of scratchFrames: pitch 1, Env1..Env3 3..5, trigger 6
     uint32_t scratchFrames = 0;
     uint32_t maxBlockSize = BR::kDefaultMaxBlockSize;

@@ -61,6 +61,8 @@ void BrelCorvane::RenderChunk(float** outputs, uint32_t offset, uint32_t frames)
         BR::renderEnvelope(envelopes[e], base + (kSourceEnv1 + e) * scratchFrames, frames);
 
     MixOutputs(outputs, offset, frames, mode == kModeMaster ? 2 : 0);
+    // A master's first two outputs carry its voices' marker, which no encoding may overwrite.
+    if (hardwareMode != 0 && mode != kModeMaster) EncodeHardware(outputs, offset, frames);
     Smooth(outputs, offset, frames);
 }
 

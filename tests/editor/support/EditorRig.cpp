@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -59,7 +60,9 @@ XvfbServer::~XvfbServer() {
 }
 
 const char* SharedDisplay() {
-    static XvfbServer server(":57");
+    // CORVANE_TEST_DISPLAY moves the server when :57 is taken by another run on the same machine.
+    const char* chosen = std::getenv("CORVANE_TEST_DISPLAY");
+    static XvfbServer server(chosen && *chosen ? chosen : ":57");
     return server.Running() ? server.Name().c_str() : nullptr;
 }
 

@@ -48,13 +48,29 @@ outputs_of() {  # NAME COUNT: NAME:out_1 ... NAME:out_COUNT
 # input file, the events (--event), the transport (--tempo 90, playing from 0) and blocks of 256.
 JALV_TABLE='
 # stem          | input  | MIDI events (FRAME:HEXBYTES ...)                                        | settings
+# A carrier on both channels, R unipolar
+acencoder       | signal | -                                                                       | Enable L=1, Enable R=1, Input Polarity R=1
 # A note channel on output 3, a gate group with a 20 ms trigger, MIDI out of all channels and the clock
 # as a serial line on gate 4/1, a level input on byte 3
 ardentcontroller | signal | 1000:903C64 8000:913064 20000:803C00 30000:813000                     | MIDI Out MIDI Channel=17, MIDI Out Clock=1, MIDI Out Output=24, Gates 1 MIDI Channel=2, Trigger 1/1 Length=20, Input 3=3, Input Thru=0
 # Gate group 4 on byte 4, MIDI out and the clock with song position on gate 6/1, thru "3/4"
 basaltcontroller | signal | 1000:903C64 8000:903E64 20000:803C00 30000:803E00                     | MIDI Out MIDI Channel=17, MIDI Out Clock=1, Use MIDI SPP=1, MIDI Out Output=40, Gates 4 MIDI Channel=1, Gates 4 Base Note=60, Input Thru=2
+# A Cinder lane on byte 1 with offsets and a filter, thru "1/2"
+cindercombiner  | signal | -                                                                       | Filter 2=1, Offset 1=-1
+# Rectifying decoders with a one-pole on L and a slew limit on R. (The Elkhorn loop and the carriers
+# run on through the cycles before recording, so where they stand when it starts differs from a fresh render.)
+cvinput         | signal | -                                                                       | Scale L=2, Smoothing L=-3, Scale R=-1.5, Smoothing R=2
+# The audio passes through (the MIDI it makes leaves through its own device, none here)
+cvtomidi        | signal | -                                                                       | Enable CC L=1, Enable Note R=1
 dc              | signal | -                                                                       | Output Positive L=0.3, Multiplier L=-1.5, Input Add L=1, Output Symmetric R=-0.45, Multiplier R=1.5, Input Multiply R=0.5
+# The Dunmore stream cannot be compared here: its cycle of 24 samples does not divide a JACK period,
+# and jalv runs it for an unknown time before recording. So its lane is "Target Channel" "6" of an
+# "Ardent" frame, which is no lane: only the thru pair "1/2" goes out (the offline test compares the
+# stream itself)
+dunmorecombiner | signal | -                                                                       | Target Channel=6, Filter 1=1
 Function        | signal | -                                                                       | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
+# The pitch of the input sines on both outputs (see COMPARE_FROM below)
+follower        | signal | -                                                                       | Output Pitch R=-0.5, Output Env R=0
 # Both channels locked to the transport (a beat and half a beat); the input multiplies R
 lfo             | signal | -                                                                       | Sync L=2, Beats L=1, Sine L=1, Triangle L=-0.3, Sync R=2, Beats R=2, Beat Divisor R=3, Saw R=0.5, Square R=0.3, Input Mode R=1
 # Even steps of the input: L offset by a quarter step, R transposed (no smoothing: jalv runs before it records)
@@ -72,6 +88,11 @@ voicecontroller | -      | 1000:903C64 8000:904340 16000:804300 24000:803C00 320
 '
 read_table <<< "$JALV_TABLE"
 PLAYED=48000
+# Frames left out of the comparison, per module. The Follower measures its silent input every 2047
+# frames until a sound comes, so the frames jalv ran before the transport rolled shift its first
+# measurements; from the second rising crossing of the input on it is locked to the crossings and
+# must match sample for sample (its envelope would only converge, so the row leaves it out).
+declare -A COMPARE_FROM=([follower]=4096)
 
 DC_SETTINGS=(-c output_positive_l=0.3 -c multiplier_l=-1.5 -c output_symmetric_r=-0.45 -c multiplier_r=1.5)
 DC_RENDER=(--set "Output Positive L=0.3" --set "Multiplier L=-1.5" --set "Output Symmetric R=-0.45" --set "Multiplier R=1.5")
@@ -162,7 +183,8 @@ while IFS=$'\t' read -r stem inputs outputs; do
     if [ "$events" != - ]; then for e in $events; do given+=(--event "$e"); done; fi
     render "$stem" --block 256 --tempo 90 --frames $PLAYED "${given[@]}" "${RENDER_SET[@]}" --out "$WORK/$stem-ref.wav"
     "$TOOL" expect-varying "$WORK/$stem-ref.wav" || fail "$stem: the reference does not move"
-    "$TOOL" compare "$WORK/$stem.wav" "$WORK/$stem-ref.wav" || fail "$stem in jalv differs from corvane render"
+    "$TOOL" compare "$WORK/$stem.wav" "$WORK/$stem-ref.wav" --from "${COMPARE_FROM[$stem]:-0}" \
+        || fail "$stem in jalv differs from corvane render"
 done < <(built_modules)
 
 wait_line "$WORK/transport.log" stopped

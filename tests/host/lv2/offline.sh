@@ -26,13 +26,27 @@ run_lv2file() {  # URI IN OUT BLOCK [lv2file options...]
 # the usual host block sizes to compare in.
 OFFLINE_TABLE='
 # stem          | check  | lv2file blocks | settings ("Name=Value, ...", as "corvane params STEM" names them)
+# A carrier on both channels, R unipolar between two levels
+acencoder       | varies | 4096 16384     | Enable L=1, Enable R=1, Input Polarity R=1, Min Output Level R=0.1, Max Output Level R=0.9
 # Level inputs on bytes 1 and 3, an input on a gate, thru "1/2" OR-ed into both words, "Cat B": the
 # words must come through the host untouched
 ardentcontroller | varies | 4096 16384    | Input 1=1, Input 3=3, Input Mode 3=1, Input 2 To Gate=9, Output 4=17, Interface Category=1
 # Thru "3/4" lands on the gates of all six bytes; inputs set gates 1/1 and 4/6
 basaltcontroller | varies | 4096 16384    | Input Thru=2, Input 1 To Gate=1, Input 4 To Gate=30, Output 5=99
+# Four inputs as a Cinder lane on byte 1, one filtered, with "SMUX Proof"; thru "1/2" moves both words
+cindercombiner  | varies | 4096 16384     | Filter 1=1, Offset 2=0.5, SMUX Proof=1
+# The Elkhorn decoder on L (a sine it cannot lock to still moves it), a synchronous decoder on R
+cvinput         | varies | 4096 16384     | Mode L=2, Mode R=0, Bipolar R=1, Scale R=-1.5, Smoothing R=2
+# The audio passes through (the MIDI it makes leaves through its own device, none here)
+cvtomidi        | varies | 4096 16384     | Enable CC L=1, Enable Note R=1
 dc              | varies | 4096 16384     | Output Positive L=0.25, Multiplier L=-1.5, Input Add L=0.5, Output Symmetric R=-0.75, Input Multiply R=0.5, Smoothing R=-20, Smoothing L=5
 Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
+# Eight inputs (inputs 9 and 10 silent) as a Dunmore lane on "Basalt" byte 1, adaptive, two filtered.
+# The adaptive mode sends every channel during the first two slices of the module, so its stream depends
+# on where the first blocks are cut: like corvane render, the host cuts at 1024 (or at 256).
+dunmorecombiner | varies | 256 1024       | Target Hardware=1, Filter 2=1, Filter 5=1, Input 7=1
+# The input sines followed: stepped pitch plus half the envelope on L, the envelope on R
+follower        | varies | 4096 16384     | Output Env L=0.5, Env Attack=5, Env Release=20
 # Free-running waves; the input multiplies R
 lfo             | varies | 4096 16384     | Speed L=3, Sine L=1, Triangle L=-0.3, Speed R=7, Square R=0.4, Pulse Width R=30, Saw R=0.5, Input Mode R=1
 # Even steps: L offset by a quarter step and slewed, R transposed and smoothed

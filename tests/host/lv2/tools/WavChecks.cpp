@@ -1,8 +1,9 @@
 // The checks on recorded and rendered WAV files. Each prints one line of what it found and exits 1
 // on the first sample that differs from what is expected, naming file, channel and frame.
-//   compare RECORDED REFERENCE [--align] [--tolerance T]
+//   compare RECORDED REFERENCE [--align] [--tolerance T] [--from F]
 //       every channel of RECORDED equals REFERENCE from frame 0 (or, with --align, from the first
-//       offset at which all of it matches); the files need the same channel count
+//       offset at which all of it matches); the files need the same channel count. --from F leaves the
+//       first F frames of both out (frames are then counted from F)
 //   expect-constant FILE CHANNEL VALUE [--from F] [--to T] [--tolerance X]
 //   expect-gate FILE CHANNEL --period P --width W [--level L] [--first F] [--min-edges K]
 //       a square wave: rising edges exactly P frames apart, each W frames high at L
@@ -88,8 +89,12 @@ size_t MatchLength(const Audio& recorded, const Audio& reference, size_t offset,
 int Compare(const std::vector<std::string>& args) {
     const Arguments a(args, {"--align"});
     if (a.positional.size() != 2) throw std::runtime_error("usage: compare RECORDED REFERENCE [--align]");
-    const Audio recorded = ReadAudio(a.positional[0]), reference = ReadAudio(a.positional[1]);
+    Audio recorded = ReadAudio(a.positional[0]), reference = ReadAudio(a.positional[1]);
     const double tolerance = a.Number("--tolerance", 0.0);
+    const size_t from = size_t(a.Number("--from", 0));
+    for (Audio* audio : {&recorded, &reference})
+        for (std::vector<float>& channel : audio->channels)
+            channel.erase(channel.begin(), channel.begin() + std::ptrdiff_t(std::min(from, channel.size())));
     if (recorded.channels.size() != reference.channels.size())
         return Fail("%g channels, the reference has %g", a.positional[0], double(recorded.channels.size()),
                     double(reference.channels.size()));
