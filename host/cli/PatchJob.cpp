@@ -4,10 +4,8 @@
 
 #include <algorithm>
 
-#include "CalibrationOptions.h"
 #include "CommandLine.h"
-#include "StateFile.h"
-#include "host/HostDriver.h"
+#include "PatchEngine.h"
 
 namespace BR {
 
@@ -78,90 +76,26 @@ void OrderInstances(Patch& patch) {
 
 int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSettings& remote) {
     ApplyRemoteSettings(remote);
-    const size_t count = patch.instances.size();
-    const uint32_t maxBlock = std::min<uint32_t>(patch.blockSize, kDefaultMaxBlockSize);
-    std::vector<std::unique_ptr<HostDriver>> drivers;
-    for (const PatchInstance& instance : patch.instances) {
-        std::unique_ptr<BrelCorvaneBase> module = CreateScriptedModule(
-            [&] { return modules.create(*instance.entry); }, instance.scripts, instance.name);
-        if (!module)
-            throw InputError(patch.path + ": " + instance.place + ".module: \"" + instance.entry->stem +
-                             "\" could not be made");
-        auto driver = std::make_unique<HostDriver>(std::move(module), *instance.entry,
-                                                   float(patch.sampleRate), maxBlock);
-        // As a host does: the saved state first, then the patch's own settings.
-        if (!instance.statePath.empty()) {
-            try {
-                RestoreStateFile(instance.statePath, *driver);
-            } catch (const std::runtime_error& e) {
-                throw InputError(patch.path + ": " + instance.place + ".state: " + e.what());
-            }
-        }
-        for (const PatchSetting& setting : instance.sets) {
-            try {
-                ApplySetting(*driver, setting.name, setting.value, setting.place);
-            } catch (const UsageError& e) {
-                throw InputError(patch.path + ": " + e.what());
-            }
-        }
-        for (const PropertySetting& property : instance.properties) {
-            try {
-                ApplyPropertySetting(*driver, property, patch.path + ": " + property.source);
-            } catch (const UsageError& e) {
-                throw InputError(e.what());
-            }
-        }
-        if (!instance.calibrationPath.empty())
-            LoadCalibrationOption(*driver, instance.calibrationPath,
-                                  patch.path + ": " + instance.place + ".calibration");
-        drivers.push_back(std::move(driver));
-    }
-
+    PatchEngine engine(patch, modules);
+    const size_t count = engine.Count();
     std::vector<AudioData> outputs(count);
-    std::vector<MidiSchedule> midi;
-    midi.reserve(count);
-    std::vector<std::vector<std::vector<float>>> pads(count);
+    std::vector<std::vector<float*>> at(count);
+    std::vector<float* const*> table(count);
     for (size_t i = 0; i < count; ++i) {
         outputs[i].sampleRate = int(patch.sampleRate);
-        outputs[i].channels.assign(size_t(drivers[i]->NumHostOutputs()),
+        outputs[i].channels.assign(size_t(engine.Driver(i).NumHostOutputs()),
                                    std::vector<float>(size_t(patch.frames), 0.0f));
-        midi.emplace_back(patch.instances[i].events);
-        pads[i].resize(size_t(drivers[i]->NumHostInputs()));
+        at[i].assign(std::max<size_t>(outputs[i].channels.size(), 1), nullptr);
+        table[i] = at[i].data();
     }
-
-    BlockClock clock(patch.transport, patch.sampleRate);
-    for (auto& driver : drivers)
-        driver->SetTransport(clock.Transport(), true);
-    std::vector<const float*> in;
-    std::vector<float*> out;
+    for (size_t i = 0; i < count; ++i)
+        for (size_t c = 0; c < outputs[i].channels.size(); ++c)
+            at[i][c] = outputs[i].channels[c].data();
+    // One stretch of the whole length: the engine cuts it into blocks exactly as a loop of blocks
+    // would, and paces each block when asked.
     const RealTimePacer pacer(remote.realtime, patch.sampleRate);
-    for (int64_t done = 0; done < patch.frames;) {
-        const uint32_t n = clock.NextBlock(done, uint32_t(std::min<int64_t>(maxBlock, patch.frames - done)));
-        for (size_t i : patch.order) {
-            HostDriver& driver = *drivers[i];
-            const PatchInstance& instance = patch.instances[i];
-            in.assign(std::max<size_t>(size_t(driver.NumHostInputs()), 1), nullptr);
-            for (size_t c = 0; c < instance.inputs.size() && c < size_t(driver.NumHostInputs()); ++c) {
-                const PatchSource& source = instance.inputs[c];
-                if (source.kind == PatchSource::Kind::Instance) {
-                    in[c] = outputs[source.index].channels[size_t(source.channel)].data() + done;
-                } else if (source.kind == PatchSource::Kind::File) {
-                    in[c] = ChannelWindow(patch.files[source.index].channels[size_t(source.channel)], done, n,
-                                          pads[i][c]);
-                }
-            }
-            out.assign(std::max<size_t>(size_t(driver.NumHostOutputs()), 1), nullptr);
-            for (size_t c = 0; c < size_t(driver.NumHostOutputs()); ++c)
-                out[c] = outputs[i].channels[c].data() + done;
-            const std::vector<TimedMidi>& blockMidi = midi[i].Block(done, n);
-            driver.Process(in.data(), out.data(), n, blockMidi.data(), uint32_t(blockMidi.size()));
-        }
-        clock.Advance(n);
-        done += n;
-        pacer.Wait(done);
-    }
-    for (auto& driver : drivers)
-        driver->SetTransport(nullptr);
+    engine.SetPacer(&pacer);
+    engine.Render(0, patch.frames, table.data(), nullptr);
     for (size_t i = 0; i < count; ++i)
         WriteWav(patch.instances[i].outPath, outputs[i]);
     return patch.frames;

@@ -54,6 +54,18 @@ struct Patch {
     std::vector<PatchInstance> instances;
     std::vector<AudioData> files;  // input WAVs, each read once
     std::vector<size_t> order;     // instances in rendering order: every source before what it feeds
+    // Live only: connections made at start, each from an output port to an input port, one side an
+    // instance's channel ("v1:0") and the other a port of another client ("system:playback_3").
+    struct Connection {
+        std::string from, to;
+        bool fromInstance;  // which side names an instance
+        size_t instance = 0;
+        int32_t channel = 0;
+        std::string place;  // connect[2]
+    };
+    std::vector<Connection> connections;
+    std::vector<size_t> midiIn;  // instances fed by the live MIDI input port
+    bool midiInGiven = false;    // without "midi_in", every instance is fed
 };
 
 // How the module names of a patch become modules: the catalogue and this build's factories, unless a

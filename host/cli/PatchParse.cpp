@@ -45,6 +45,7 @@ private:
     }
 
     void ReadTransport(const Json& value, TransportSettings& transport) const;
+    void ReadConnections(const Json& value, Patch& patch) const;
     void ReadInstance(const Json& value, size_t index, Patch& patch);
     PatchSource ReadSource(const Json& value, const std::string& place, Patch& patch);
 
@@ -311,7 +312,8 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
 
 Patch PatchReader::Read() {
     const Json root = ParsePatchJson(path);
-    OnlyKeys(root, "", {"rate", "block", "seconds", "frames", "transport", "instances"});
+    OnlyKeys(root, "",
+             {"rate", "block", "seconds", "frames", "transport", "instances", "connect", "midi_in"});
     Patch patch;
     patch.path = path;
     if (root.contains("rate")) patch.sampleRate = double(Whole(root["rate"], "rate", 1000, 768000));
@@ -364,7 +366,69 @@ Patch PatchReader::Read() {
     for (size_t i = 0; i < instances.size(); ++i)
         ReadInstance(instances[i], i, patch);
     OrderInstances(patch);
+    if (root.contains("connect")) ReadConnections(root["connect"], patch);
+    if (root.contains("midi_in")) {
+        const Json& list = root["midi_in"];
+        if (!list.is_array()) Fail("midi_in", "expected an array of instance names");
+        patch.midiInGiven = true;
+        for (size_t k = 0; k < list.size(); ++k) {
+            const std::string at = "midi_in[" + std::to_string(k) + "]";
+            const std::string name = Text(list[k], at);
+            const auto it = names.find(name);
+            if (it == names.end()) Fail(at, "no instance is named \"" + name + "\"");
+            patch.midiIn.push_back(it->second);
+        }
+    }
     return patch;
+}
+
+void PatchReader::ReadConnections(const Json& value, Patch& patch) const {
+    if (!value.is_array()) Fail("connect", "expected an array of [FROM, TO] pairs");
+    if (value.size() > kMaxPatchInstances * 64) Fail("connect", "lists too many connections");
+    for (size_t k = 0; k < value.size(); ++k) {
+        const std::string place = "connect[" + std::to_string(k) + "]";
+        const Json& pair = value[k];
+        if (!pair.is_array() || pair.size() != 2)
+            Fail(place, "expected [FROM, TO], e.g. [\"v1:0\", \"system:playback_1\"]");
+        Patch::Connection c;
+        c.place = place;
+        c.from = Text(pair[0], place + "[0]");
+        c.to = Text(pair[1], place + "[1]");
+        // Which side is ours: the one whose part before the last colon names an instance.
+        auto ours = [&](const std::string& text, size_t& instance, int32_t& channel, bool output) {
+            const size_t colon = text.rfind(':');
+            if (colon == std::string::npos)
+                Fail(place, "\"" + text + "\": expected \"INSTANCE:CHANNEL\" or \"CLIENT:PORT\"");
+            const auto it = names.find(text.substr(0, colon));
+            if (it == names.end()) return false;
+            instance = it->second;
+            const CatalogueEntry& entry = *patch.instances[instance].entry;
+            const int32_t count = output ? entry.numOutputs : entry.numInputs;
+            try {
+                channel = int32_t(ParseInteger(text.substr(colon + 1), "channel", 0, 1023));
+            } catch (const UsageError& e) {
+                Fail(place, "\"" + text + "\": " + e.what());
+            }
+            if (channel >= count)
+                Fail(place, "\"" + text + "\": instance \"" + text.substr(0, colon) + "\" (" +
+                                entry.moduleName + ") has " + std::to_string(count) +
+                                (output ? " outputs" : " inputs"));
+            return true;
+        };
+        size_t instance = 0;
+        int32_t channel = 0;
+        const bool fromOurs = ours(c.from, instance, channel, true);
+        size_t toInstance = 0;
+        int32_t toChannel = 0;
+        const bool toOurs = ours(c.to, toInstance, toChannel, false);
+        if (fromOurs == toOurs)
+            Fail(place, fromOurs ? "connects two instances: use \"inputs\" for that"
+                                 : "names no instance: one side must be \"INSTANCE:CHANNEL\"");
+        c.fromInstance = fromOurs;
+        c.instance = fromOurs ? instance : toInstance;
+        c.channel = fromOurs ? channel : toChannel;
+        patch.connections.push_back(c);
+    }
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "CommandLine.h"
 #include "EditCommand.h"
 #include "InfoCommands.h"
+#include "LiveHost.h"
 #include "PatchJob.h"
 #include "RenderJob.h"
 #include "framework/ModuleCatalogue.h"
@@ -30,6 +31,8 @@ const char* kUsage =
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
     "  patch FILE.json [--realtime] [--osc-base-port N]\n"
     "                            render several instances together, one WAV each\n"
+    "  live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--osc-base-port N]\n"
+    "                            run a patch in real time as a JACK client until SIGINT or SIGTERM\n"
     "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
 
 int Dispatch(int argc, char** argv) {
@@ -69,6 +72,7 @@ int Dispatch(int argc, char** argv) {
                          instance.outPath.c_str());
         return 0;
     }
+    if (command == "live") return BR::RunLive(argc, argv);
     if (command == "bench") {
         double seconds = 10;
         unsigned block = 256;

@@ -1,0 +1,63 @@
+// CV To MIDI rendered through RenderAudio with notes and controllers on, against a plain loop that copies
+// the audio through and computes a note and a controller value per sample.
+#include <cmath>
+
+#include "BenchSupport.h"
+
+namespace {
+
+constexpr uint32_t kBlock = 256;
+
+void BM_CVToMIDIRender(benchmark::State& state) {
+    BR::Bench::ModuleRig rig("cvtomidi", kBlock);
+    for (const char* name : {"Enable Note L", "Enable CC L", "Enable CC R"})
+        rig.driver->SetParameterByName(name, 1.0f);
+    for (uint32_t i = 0; i < kBlock; ++i) {
+        rig.in[0][i] = float(std::sin(double(i) * 0.05));
+        rig.in[1][i] = float(std::cos(double(i) * 0.03));
+    }
+    for (auto _ : state) {
+        rig.Render();
+        benchmark::DoNotOptimize(rig.out[0].data());
+        benchmark::ClobberMemory();
+    }
+    BR::Bench::CountFrames(state, kBlock);
+}
+
+void BM_PlainLoop(benchmark::State& state) {
+    std::vector<float> in[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
+    std::vector<float> out[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
+    for (uint32_t i = 0; i < kBlock; ++i) {
+        in[0][i] = float(std::sin(double(i) * 0.05));
+        in[1][i] = float(std::cos(double(i) * 0.03));
+    }
+    int32_t last[2] = {255, 255}, changes = 0;
+    for (auto _ : state) {
+        for (int c = 0; c < 2; ++c) {
+            const float* x = in[c].data();
+            float* y = out[c].data();
+            for (uint32_t i = 0; i < kBlock; ++i) {
+                y[i] = x[i];
+                const float v = (x[i] + 1.0f) * 64.0f + 0.5f;
+                const int32_t cc = v > 0.0f ? std::min(int32_t(v), 127) : 0;
+                const float n = 48.0f * x[i] + 48.5f;
+                const int32_t note = n > 0.0f ? std::min(int32_t(n), 127) : 0;
+                if (cc != last[c]) ++changes, last[c] = cc;
+                changes += note & 1;
+            }
+        }
+        benchmark::DoNotOptimize(out[0].data());
+        benchmark::DoNotOptimize(changes);
+        benchmark::ClobberMemory();
+    }
+    BR::Bench::CountFrames(state, kBlock);
+}
+
+BENCHMARK(BM_CVToMIDIRender);
+BENCHMARK(BM_PlainLoop);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return BR::Bench::RunWithRatios(argc, argv, {{"BM_CVToMIDIRender", "BM_PlainLoop"}});
+}
