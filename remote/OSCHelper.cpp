@@ -109,11 +109,17 @@ void OSCHelper::StartTasks() {
 
 void OSCHelper::StopTasks() {
     if (!receiveThread.joinable()) return;
+    {
+        std::lock_guard<std::mutex> guard(socketLock);
+        stopRequested = true;
+    }
     BreakSocket();
     receiveEvents.Signal(kQuitEvent);
     notifyEvents.Signal(kQuitEvent);
     EndThread(receiveThread, receiveDone, 5000);
     EndThread(notifyThread, notifyDone, 5000);
+    std::lock_guard<std::mutex> guard(socketLock);
+    stopRequested = false;
 }
 
 void OSCHelper::BreakSocket() {
@@ -150,7 +156,8 @@ void OSCHelper::TaskMain() {
         int32_t port = 0;
         {
             std::lock_guard<std::mutex> guard(socketLock);
-            breakRequested = false;
+            // While a stop is under way the loop about to open is broken at once by the watch.
+            breakRequested = stopRequested;
             port = requestedPort.load();
             activePort.store(0);
         }

@@ -142,6 +142,9 @@ private:
     std::mutex socketLock;
     SocketReceiveMultiplexer* listeningSocket = nullptr;
     bool breakRequested = false;
+    // Set by StopTasks until its threads have ended: a start signal that the receive thread takes just
+    // before the stop cannot open a socket whose loop nobody would break.
+    bool stopRequested = false;
     std::multimap<int32_t, OSCUpdateClient> updateClients;
     std::vector<uint8_t> updateFlags;
     SetParamQueue updateQueue;
