@@ -157,8 +157,12 @@ int RequestPolyPressure(lua_State* L) {
     return RequestKeyed<LuaMIDIHelper::kPolyPressureKey>(L, "requestPolyPressure");
 }
 
+// Taken when the library is loaded, so that time() counts from the start of the process rather than
+// from a script's first call.
+const auto processStart = std::chrono::steady_clock::now();
+
 int Time(lua_State* L) {
-    static const auto start = std::chrono::steady_clock::now();
+    const auto start = processStart;
     const double ms =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     lua_pushnumber(L, ms * 1e9 * 0.001 * 1e-9);

@@ -269,7 +269,7 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         if (luaHelper) {
             // Channel 1, the second channel as the hooks count them: the fixed channel of these
             // commands, kept as it is.
-            const int32_t velocity = int32_t(value * 127.0f);
+            const int32_t velocity = int32_t(double(value) * 127.0);  // a double product, then truncated
             if (address[2] == 't' && address[3] == 'a') {
                 luaHelper->NoteOn(1, id, velocity);
             } else {

@@ -1,6 +1,6 @@
 // sendOSC sends a bundle of one message from the script's thread: numbers as floats unless the
 // format says "i", other strings as strings, nil as nil; /startNote and /stopNote reach the note
-// callbacks on channel 2 (the hooks' channel 1) with the velocity scaled to 127.
+// callbacks on channel 2 (the hooks' channel 1) with the velocity scaled to 127 and truncated.
 #include <gtest/gtest.h>
 
 #include "RemoteRig.h"
@@ -38,11 +38,14 @@ TEST(LuaSendOSC, StartNoteAndStopNoteReachTheCallbacksOnChannelTwo) {
     UdpPeer client;
     client.Send(17511, "/startNote", [](osc::OutboundPacketStream& s) { s << osc::int32(64) << 0.5f; });
     client.Send(17511, "/stopNote", [](osc::OutboundPacketStream& s) { s << osc::int32(64) << 1.0f; });
+    // 1/127 as a float times 127.0 in double precision truncates to 0; a float product would give 1.
+    client.Send(17511, "/stopNote",
+                [](osc::OutboundPacketStream& s) { s << osc::int32(65) << 1.0f / 127.0f; });
     client.Send(17511, "/ping", [&](osc::OutboundPacketStream& s) { s << client.Client().c_str() << "/p"; });
     ASSERT_NE(client.Receive(), "");
     lua_State* L = BR::LuaHelperOf(driver->Module())->GetLuaState();
     std::lock_guard<std::recursive_mutex> guard(BR::LuaHelperOf(driver->Module())->LuaLock());
     lua_getglobal(L, "log");
-    EXPECT_STREQ(lua_tostring(L, -1), "on 2 64 63;off 2 64 127;");
+    EXPECT_STREQ(lua_tostring(L, -1), "on 2 64 63;off 2 64 127;off 2 65 0;");
     lua_pop(L, 1);
 }
