@@ -22,11 +22,11 @@ createUI = createUI or function()
 
 	miscGroup = oscGroup( groupPadding )
 
-	local function dropRow( title, names, labels, space, w )
+	local function dropRow( title, names, labels, space, w, kind )
 		local g = group( title, groupPadding )
 		local items = {}
 		for i, name in ipairs( names ) do
-			table.insert( items, { "drop", name, labels[i], w } )
+			table.insert( items, { kind or "drop", name, labels[i], w } )
 		end
 		controlGrid( g, items, #items, space or kDropSpace, kRowH )
 		return g
@@ -64,7 +64,7 @@ createUI = createUI or function()
 
 	miscControls = group( "Misc", groupPadding )
 	controlGrid( miscControls, {
-		{ "drop", "Test Signal", "Test" }, { "drop", "Input Thru", "Thru" },
+		{ "field", "Test Signal", "Test" }, { "drop", "Input Thru", "Thru" },
 		{ "field", "MIDI Clock Offset", "Clock Ofs" }, { "button", "Use MIDI SPP", "SPP" },
 		{ "button", "Match Note Offs", "Match Offs" }, { "button", "Delay Start Slice", "Dly Start" },
 		{ "button", "Delay Stop Slice", "Dly Stop" } }, 4, kDropSpace, kRowH + 10, 0, 0, kTextW )
@@ -76,7 +76,7 @@ createUI = createUI or function()
 		local c = "Ch " .. n .. " "
 		local g = group( "MIDI/CV " .. n, groupPadding )
 		controlGrid( g, {
-			{ "drop", c .. "MIDI Channel", "Channel", 46 }, { "field", c .. "Range Min", "Low" },
+			{ "field", c .. "MIDI Channel", "Channel" }, { "field", c .. "Range Min", "Low" },
 			{ "field", c .. "Range Max", "High" }, { "drop", c .. "Gate Output", "Gate", 46 },
 			{ "drop", c .. "Vel Output", "Velocity", 46 }, { "drop", c .. "Note Priority", "Priority", 46 },
 			{ "drop", c .. "Retrigger Mode", "Retrigger", 46 } }, 7, 50, kRowH, 0, 0, kTextW )
@@ -85,11 +85,11 @@ createUI = createUI or function()
 	channel1Group = channelGroup( 1 )
 	channel2Group = channelGroup( 2 )
 
-	outputsGroup = dropRow( "Outputs", names( "Output %d", 5 ), numbers )
+	outputsGroup = dropRow( "Outputs", names( "Output %d", 5 ), numbers, nil, nil, "field" )
 
 	gatesGroup = group( "Gates", groupPadding )
 	local gates = {}
-	for n = 1, 5 do table.insert( gates, { "drop", "Gates " .. n .. " MIDI Channel", "Channel " .. n } ) end
+	for n = 1, 5 do table.insert( gates, { "field", "Gates " .. n .. " MIDI Channel", "Channel " .. n } ) end
 	for n = 1, 5 do table.insert( gates, { "field", "Gates " .. n .. " Base Note", "Note " .. n } ) end
 	controlGrid( gatesGroup, gates, 5, kDropSpace, kRowH, 0, 0, kTextW )
 
@@ -105,8 +105,8 @@ createUI = createUI or function()
 
 	midiOutGroup = group( "MIDI Out", groupPadding )
 	controlGrid( midiOutGroup, {
-		{ "drop", "Byte 1", "Byte 1" }, { "drop", "Byte 2", "Byte 2" }, { "drop", "Byte 3", "Byte 3" },
-		{ "drop", "Bytes", "Bytes" }, { "button", "Send", "Send" },
+		{ "field", "Byte 1", "Byte 1" }, { "field", "Byte 2", "Byte 2" }, { "field", "Byte 3", "Byte 3" },
+		{ "field", "Bytes", "Bytes" }, { "button", "Send", "Send" },
 		{ "drop", "MIDI Out MIDI Channel", "Channel" }, { "drop", "MIDI Out Output", "Output" },
 		{ "button", "MIDI Out Clock", "Clock" }, { "field", "MIDI Clock Swing", "Swing" },
 		{ "drop", "MIDI Clock Swing Type", "Swing Type" }, { "drop", "MIDI Out Channelise", "Channelise" },

@@ -22,11 +22,11 @@ createUI = createUI or function()
 
 	miscGroup = oscGroup( groupPadding )
 
-	local function dropRow( title, names, labels, space, w )
+	local function dropRow( title, names, labels, space, w, kind )
 		local g = group( title, groupPadding )
 		local items = {}
 		for i, name in ipairs( names ) do
-			table.insert( items, { "drop", name, labels[i], w } )
+			table.insert( items, { kind or "drop", name, labels[i], w } )
 		end
 		controlGrid( g, items, #items, space or kDropSpace, kRowH )
 		return g
@@ -64,7 +64,7 @@ createUI = createUI or function()
 
 	miscControls = group( "Misc", groupPadding )
 	controlGrid( miscControls, {
-		{ "drop", "Test Signal", "Test", 46 }, { "field", "MIDI Clock Offset", "Clock Ofs" },
+		{ "field", "Test Signal", "Test" }, { "field", "MIDI Clock Offset", "Clock Ofs" },
 		{ "button", "Use MIDI SPP", "SPP", 46 }, { "button", "Match Note Offs", "Match", 46 },
 		{ "button", "Delay Start Slice", "Dly Start", 46 }, { "button", "Delay Stop Slice", "Dly Stop", 46 } },
 		2, 50, kRowH, 0, 0, kTextW )
@@ -72,11 +72,11 @@ createUI = createUI or function()
 	interfaceGroup = group( "Interface", groupPadding )
 	labelledDropDown( interfaceGroup, "Interface Category", "Category", 0, 0 )
 
-	outputsGroup = dropRow( "Outputs", names( "Output %d", 6 ), numbers )
+	outputsGroup = dropRow( "Outputs", names( "Output %d", 6 ), numbers, nil, nil, "field" )
 
 	gatesGroup = group( "Gates", groupPadding )
 	local gates = {}
-	for n = 1, 6 do table.insert( gates, { "drop", "Gates " .. n .. " MIDI Channel", "Channel " .. n } ) end
+	for n = 1, 6 do table.insert( gates, { "field", "Gates " .. n .. " MIDI Channel", "Channel " .. n } ) end
 	for n = 1, 6 do table.insert( gates, { "field", "Gates " .. n .. " Base Note", "Note " .. n } ) end
 	controlGrid( gatesGroup, gates, 6, kDropSpace, kRowH, 0, 0, kTextW )
 
@@ -92,9 +92,9 @@ createUI = createUI or function()
 
 	midiOutGroup = group( "MIDI Out", groupPadding )
 	controlGrid( midiOutGroup, {
-		{ "drop", "Byte 1", "Byte 1", 46 }, { "drop", "Byte 2", "Byte 2", 46 }, { "drop", "Byte 3", "Byte 3", 46 },
-		{ "drop", "Bytes", "Bytes", 46 }, { "button", "Send", "Send", 46 },
-		{ "drop", "MIDI Out MIDI Channel", "Channel", 46 }, { "drop", "MIDI Out Output", "Output", 46 },
+		{ "field", "Byte 1", "Byte 1" }, { "field", "Byte 2", "Byte 2" }, { "field", "Byte 3", "Byte 3" },
+		{ "field", "Bytes", "Bytes" }, { "button", "Send", "Send", 46 },
+		{ "drop", "MIDI Out MIDI Channel", "Channel" }, { "drop", "MIDI Out Output", "Output", 46 },
 		{ "button", "MIDI Out Clock", "Clock", 46 }, { "field", "MIDI Clock Swing", "Swing" },
 		{ "drop", "MIDI Clock Swing Type", "Swing Type", 46 }, { "drop", "MIDI Out Channelise", "Channelise", 46 },
 		{ "drop", "MIDI Out Polyphony", "Polyphony", 46 } }, 4, 50, kRowH, 0, 0, kTextW )

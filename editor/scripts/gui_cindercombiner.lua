@@ -39,9 +39,9 @@ createUI = createUI or function()
 	miscControls = group( "Misc", groupPadding )
 	controlGrid( miscControls, { { "drop", "Input Thru", "Thru", 60 }, { "button", "SMUX Proof", "Proof", 60 } }, 1, 60, 40 )
 	if showTestSignals then
-		labelledDropDown( miscControls, "Test Signal", "Test", 70, 40, 50 )
+		controlGrid( miscControls, { { "field", "Test Signal", "Test" } }, 1, 50, 40, 70, 40 )
 	else
-		labelledDropDown( miscGroup, "Test Signal", "Test", 0, -40, 50 )
+		controlGrid( miscGroup, { { "field", "Test Signal", "Test" } }, 1, 50, 40, 0, -40 )
 	end
 
 	interfaceGroup = group( "Interface", groupPadding )

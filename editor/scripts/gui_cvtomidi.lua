@@ -22,7 +22,7 @@ createUI = createUI or function()
 		local g = group( title, groupPadding )
 		controlGrid( g, {
 			{ "button", "Enable " .. LR, "Enable" }, { "drop", "Channel " .. LR, "Channel" },
-			{ "button", "Enable CC " .. LR, "CC" }, { "drop", "Send CC " .. LR, "Send CC" },
+			{ "button", "Enable CC " .. LR, "CC" }, { "field", "Send CC " .. LR, "Send CC" },
 			{ "button", "Enable Note " .. LR, "Notes" }, { "drop", "Note On Mode " .. LR, "Note On" },
 			{ "drop", "Note Off Mode " .. LR, "Note Off" }, { "drop", "Gate Close Msg " .. LR, "Gate Close" } },
 			8, 60, 30, 0, kKnobSpaceV )

@@ -38,9 +38,9 @@ createUI = createUI or function()
 	miscControls:add( paramButton( "SMUX Proof", "Proof", 0, 0, 60, 15 ) )
 	miscControls:add( paramButton( "Adaptive Mode", "Adaptive", 66, 0, 60, 15 ) )
 	if showTestSignals then
-		labelledDropDown( miscControls, "Test Signal", "Test", 66, 34, 60 )
+		controlGrid( miscControls, { { "field", "Test Signal", "Test" } }, 1, 60, 34, 66, 34 )
 	else
-		labelledDropDown( miscGroup, "Test Signal", "Test", 40, 0, 40 )
+		controlGrid( miscGroup, { { "field", "Test Signal", "Test" } }, 1, 40, 34, 40, 0 )
 	end
 
 	interfaceGroup = group( "Interface", groupPadding )

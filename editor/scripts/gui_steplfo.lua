@@ -22,13 +22,13 @@ createUI = createUI or function()
 			{ "drop", "Speed Mode " .. LR, "Speed Mode" }, { "drop", "Speed Multiplier " .. LR, "Multiplier" },
 			{ "drop", "Sync " .. LR, "Sync" }, { "drop", "Beat Divisor " .. LR, "Divisor" },
 			{ "drop", "Range Mode " .. LR, "Range" }, { "drop", "Length Mode " .. LR, "Length Mode" },
-			{ "drop", "Start Step " .. LR, "Start" }, { "drop", "Length In Steps " .. LR, "Length" },
-			{ "drop", "End Step " .. LR, "End" }, { "drop", "Interpolation " .. LR, "Interpolation" },
+			{ "field", "Start Step " .. LR, "Start" }, { "field", "Length In Steps " .. LR, "Length" },
+			{ "field", "End Step " .. LR, "End" }, { "drop", "Interpolation " .. LR, "Interpolation" },
 			{ "drop", "Input Mode " .. LR, "Input Mode" },
 			{ "drop", "Swing Type " .. LR, "Swing Type" }, { "drop", "Reset By Note " .. LR, "Note Reset" },
 			{ "drop", "Signal Input " .. LR, "Signal In" }, { "drop", "Trigger Input " .. LR, "Trigger In" },
 			{ "drop", "Reset Input " .. LR, "Reset In" }, { "drop", "Random Mode " .. LR, "Random Mode" },
-			{ "drop", "Register Length " .. LR, "Register" }, { "drop", "DAC Bits " .. LR, "DAC Bits" },
+			{ "field", "Register Length " .. LR, "Register" }, { "field", "DAC Bits " .. LR, "DAC Bits" },
 			{ "drop", "DAC Scale Mode " .. LR, "DAC Scale" }, { "drop", "DAC Range Mode " .. LR, "DAC Range" } },
 			11, kDropSpace, kRowH, 0, kRowH )
 		controlGrid( g, {

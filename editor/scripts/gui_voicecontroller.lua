@@ -52,7 +52,7 @@ createUI = createUI or function()
 	modesGroup = group( "Modes", groupPadding )
 	controlGrid( modesGroup, {
 		{ "drop", "Note Priority", "Priority" }, { "drop", "Retrigger Mode", "Retrigger" },
-		{ "drop", "Poly Mode", "Poly" }, { "drop", "Polyphony/Voice", "Voices" } }, 2, 60, kRowH )
+		{ "drop", "Poly Mode", "Poly" }, { "field", "Polyphony/Voice", "Voices" } }, 2, 60, kRowH )
 
 	portamentoGroup = group( "Portamento", groupPadding )
 	controlGrid( portamentoGroup, {

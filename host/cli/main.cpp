@@ -29,6 +29,8 @@ const char* kUsage =
     "      --realtime  --script FILE.lua...  --osc-base-port N\n"
     "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
+    "  screenshot STEM --out FILE.png [--set \"NAME=VALUE\"...] [--state-in FILE] [--display NAME]\n"
+    "                            draw the module's panel off screen (a private Xvfb) into a PNG\n"
     "  patch FILE.json [--realtime] [--osc-base-port N]\n"
     "                            render several instances together, one WAV each\n"
     "  live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--osc-base-port N]\n"
@@ -57,6 +59,7 @@ int Dispatch(int argc, char** argv) {
         return 0;
     }
     if (command == "edit") return BR::RunEdit(argc, argv);
+    if (command == "screenshot") return BR::RunScreenshot(argc, argv);
     if (command == "patch") {
         if (argc < 3 || argv[2][0] == '-') throw BR::UsageError("patch needs exactly one patch file");
         BR::RemoteSettings remote;

@@ -52,9 +52,9 @@ const PanelCase kPanels[] = {
     {"voicecontroller",
      925,
      385,
-     {"OSC", "Env ", "Modes", "Portamento", "Voltages", "Overrides", "Detune", "Simple Env Controls",
-      "Env Misc", "Output Matrix", "Cinder/Dunmore Target", "Ardent Settings", "Calibration", "Trigger",
-      "Interface", "Hardware"}},
+     {"OSC", "Env 1", "Env 2", "Env 3", "Modes", "Portamento", "Voltages", "Overrides", "Detune",
+      "Simple Env Controls", "Env Misc", "Output Matrix", "Cinder/Dunmore Target", "Ardent Settings",
+      "Calibration", "Trigger", "Interface", "Hardware"}},
     {"steplfo", 907, 415, {"OSC", "Left Channel", "Right Channel"}},
     {"follower", 685, 360, {"OSC", "Follower", "Pitch"}},
     {"soundplane", 570, 380, {"OSC", "Voice", "Output Matrix"}},
@@ -126,6 +126,12 @@ TEST_P(PanelScripts, BindsEveryParameterInsideTheWindow) {
         }
     }
     CheckLayout(rig, panel, "as opened");
+    // A drop-down needs the row's value names: a row without them gets a field or knob instead.
+    for (UIElement* element : elements)
+        if (auto* drop = dynamic_cast<DropDown*>(element)) {
+            EXPECT_FALSE(drop->items.empty()) << "drop-down without value names for \""
+                                              << rig.manager.ParameterInfo(drop->parameter).name << "\"";
+        }
 
     // The hidden OSC group keeps the room of its knob and field.
     NamedGroup* osc = rig.Groups().front();
