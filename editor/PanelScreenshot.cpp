@@ -106,7 +106,7 @@ bool WritePng(const std::string& path, const std::vector<uint8_t>& rgb, int widt
     return png_image_write_to_file(&image, path.c_str(), 0, rgb.data(), 0, nullptr) != 0;
 }
 
-PanelPicture RenderPanel(BrelCorvaneBase& module, const char* display, int frames) {
+PanelPicture RenderManager(ZPmanager& manager, const char* display, int frames) {
     PanelPicture picture;
     std::unique_ptr<PrivateXServer> server;
     if (!display) {
@@ -117,16 +117,8 @@ PanelPicture RenderPanel(BrelCorvaneBase& module, const char* display, int frame
         }
         display = server->Name().c_str();
     }
-    ZPmanager manager(&module);
-    PluginLuaGui gui(&module);
-    if (FindBuiltInScript(module.GetGuiScriptName()))
-        gui.OpenPanel(&manager);
-    else
-        BuildGenericPanel(manager);
-    if (!gui.errorLog.empty()) picture.error = gui.errorLog.front();
     X11Window window;
-    if (!window.Open(manager.designWidth, manager.designHeight,
-                     std::string("corvane ") + module.GetModuleName(), 0, display)) {
+    if (!window.Open(manager.designWidth, manager.designHeight, "corvane panel", 0, display)) {
         picture.error = "the editor cannot open: " + window.LastError();
         return picture;
     }
@@ -137,10 +129,23 @@ PanelPicture RenderPanel(BrelCorvaneBase& module, const char* display, int frame
         window.ProcessEvents(10);
     if (manager.FrameCount() >= uint64_t(frames))
         picture.rgb = GrabWindowRgb(display, window.WindowId(), picture.width, picture.height);
-    else if (picture.error.empty())
+    else
         picture.error = "the render thread drew no frames";
     manager.DestroyRenderTask();
     window.Close();
+    return picture;
+}
+
+PanelPicture RenderPanel(BrelCorvaneBase& module, const char* display, int frames) {
+    ZPmanager manager(&module);
+    PluginLuaGui gui(&module);
+    if (FindBuiltInScript(module.GetGuiScriptName()))
+        gui.OpenPanel(&manager);
+    else
+        BuildGenericPanel(manager);
+    PanelPicture picture = RenderManager(manager, display, frames);
+    // A script's first logged line comes before any trouble of the window.
+    if (!gui.errorLog.empty()) picture.error = gui.errorLog.front();
     return picture;
 }
 

@@ -36,6 +36,12 @@ struct PanelPicture {
     std::string error;
 };
 
+class ZPmanager;
+
+// Opens a window of `manager`'s design size on `display` (null: a private Xvfb), lets the render thread
+// draw `frames` frames, and grabs the window.
+PanelPicture RenderManager(ZPmanager& manager, const char* display, int frames = 10);
+
 // Opens `module`'s panel in a window on `display` (null: a private Xvfb), lets the render thread draw
 // `frames` frames, and grabs the window.
 PanelPicture RenderPanel(BrelCorvaneBase& module, const char* display, int frames = 10);
