@@ -2,10 +2,13 @@
 // where they stand in panel space, and which of them overlap or leave the window.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <set>
 #include <string>
 #include <vector>
 
+#include "LuaPanelRig.h"
 #include "editor/Manager.h"
 #include "editor/widgets/Control.h"
 #include "editor/widgets/Group.h"
@@ -81,6 +84,39 @@ inline std::string Describe(Manager& manager, UIElement* element) {
     if (auto* control = dynamic_cast<Control*>(element))
         return std::string("control of \"") + manager.ParameterInfo(control->parameter).name + "\"" + where;
     return "element" + where;
+}
+
+// Every element inside the window; no two that take room now overlapping; groups shown now, and the
+// hidden "OSC" group, inside the window and apart.
+inline void CheckPanelLayout(LuaPanelRig& rig, int width, int height, const std::string& when) {
+    SCOPED_TRACE(when);
+    std::vector<UIElement*> elements;
+    CollectElements(rig.manager.rootGroup, elements);
+    // Every element inside the window, shown or not.
+    for (UIElement* element : elements) {
+        const Box box = PanelBox(element);
+        EXPECT_TRUE(box.v[0] >= 0 && box.v[1] >= 0 && box.v[3] <= width && box.v[4] <= height)
+            << Describe(rig.manager, element) << " leaves the window";
+    }
+    // No two elements that take room now overlap: controls, buttons, displays.
+    const std::vector<UIElement*> occupying = Occupying(elements);
+    for (size_t a = 0; a < occupying.size(); ++a)
+        for (size_t b = a + 1; b < occupying.size(); ++b)
+            EXPECT_FALSE(Overlap(PanelBox(occupying[a]), PanelBox(occupying[b])))
+                << Describe(rig.manager, occupying[a]) << " and " << Describe(rig.manager, occupying[b]);
+    // Groups shown now, and the hidden "OSC" group, inside the window and apart.
+    std::vector<NamedGroup*> groups;
+    for (NamedGroup* group : rig.Groups())
+        if (group->visible || group->title == "OSC") groups.push_back(group);
+    for (size_t a = 0; a < groups.size(); ++a) {
+        const Box box = GroupBox(groups[a]);
+        EXPECT_TRUE(box.v[0] >= 0 && box.v[1] >= 0 && box.v[3] <= width && box.v[4] <= height)
+            << groups[a]->title << " leaves the window: (" << box.v[0] << ", " << box.v[1] << ") to ("
+            << box.v[3] << ", " << box.v[4] << ")";
+        for (size_t b = a + 1; b < groups.size(); ++b)
+            EXPECT_FALSE(Overlap(box, GroupBox(groups[b])))
+                << groups[a]->title << " and " << groups[b]->title;
+    }
 }
 
 }  // namespace BR::Test
