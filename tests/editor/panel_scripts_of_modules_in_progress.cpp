@@ -3,6 +3,8 @@
 // module is built, Built/PanelScripts checks its panel against the real table as well.
 #include <gtest/gtest.h>
 
+#include <deque>
+
 #include "framework/ModuleCatalogue.h"
 #include "support/LuaPanelRig.h"
 #include "support/PanelWalk.h"
@@ -22,10 +24,10 @@ public:
 
 private:
     static ModuleConfig Config(std::vector<ParameterDefinition>& table, int32_t oscRow) {
-        static std::vector<std::vector<float>> defaults;
-        static std::vector<PresetDefinition> presets;
+        // Kept for the process, in deques so that earlier modules' pointers stay valid.
+        static std::deque<std::vector<float>> defaults;
+        static std::deque<PresetDefinition> presets;
         defaults.emplace_back(table.size(), 0.0f);
-        presets.reserve(16);
         presets.push_back({"Defaults", 0, defaults.back().data()});
         return ModuleConfig{2, 2, 0, 0, oscRow, 1, &presets.back(), int32_t(table.size()), table.data(), -1};
     }
@@ -41,8 +43,7 @@ struct StandInCase {
 };
 
 std::vector<ParameterDefinition> TableOf(const std::string& stem, int32_t& oscRow) {
-    static std::vector<std::string> names;  // the tables point at these
-    names.reserve(4096);
+    static std::deque<std::string> names;  // the tables point at these; a deque never moves them
     std::vector<ParameterDefinition> rows;
     auto row = [&](const std::string& name, uint32_t unit, float minimum, float maximum, float value) {
         names.push_back(name);
