@@ -40,8 +40,8 @@ createUI = createUI or function()
 		{ "knob", "Env 1 Velocity Depth", "Velocity" } }, 5, kKnobSpace, kKnobSpaceV, 5*kKnobSpace, 2*kKnobSpaceV - 30 )
 	controlGrid( envGroup, {
 		{ "drop", "Env 1 Multiplier", "Multiplier", 50 }, { "button", "Env 1 Reset To Zero", "Reset" } },
-		2, kKnobSpace, kKnobSpaceV, 5*kKnobSpace, kKnobSpaceV - 30 )
-	local env = envelopeDisplay( 0, 5*kKnobSpace, 0, 36, 5*kKnobSpace - 18 )
+		2, kKnobSpace, kKnobSpaceV, 5*kKnobSpace, kKnobSpaceV )
+	local env = envelopeDisplay( 0, 5*kKnobSpace, 0, 48, 5*kKnobSpace - 18 )
 	setEnvelopeDisplayColours( env )
 	envGroup:add( env )
 
