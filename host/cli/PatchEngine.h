@@ -31,6 +31,8 @@ public:
     size_t Count() const { return drivers.size(); }
     HostDriver& Driver(size_t i) { return *drivers[i]; }
     uint32_t MaxBlock() const { return maxBlock; }
+    // The one transport every instance reads; null when the patch has none.
+    DriverTransport* Transport() { return clock->Transport(); }
     // Offline only: each block waits until it is due (the live host is paced by its device).
     void SetPacer(const RealTimePacer* pacer_) { pacer = pacer_; }
     // Whether instance i is given the outside MIDI; all by default.

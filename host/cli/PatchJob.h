@@ -66,6 +66,11 @@ struct Patch {
     std::vector<Connection> connections;
     std::vector<size_t> midiIn;  // instances fed by the live MIDI input port
     bool midiInGiven = false;    // without "midi_in", every instance is fed
+    // Live on JACK only: the modules follow JACK's transport (its frame and play state, and its bar,
+    // beat and tempo when a timebase master gives them), drive it as its timebase master with the
+    // patch's transport, or run the patch's transport on their own as an offline render does.
+    enum class JackTransport { Follow, Master, Own };
+    JackTransport jackTransport = JackTransport::Follow;
 };
 
 // How the module names of a patch become modules: the catalogue and this build's factories, unless a
