@@ -2,10 +2,10 @@
 #include "EditorWindow.h"
 
 #include "editor/GenericPanel.h"
-#include "framework/BrelCorvaneBase.h"
 #include "editor/PluginLuaGui.h"
 #include "editor/X11Window.h"
 #include "editor/ZPmanager.h"
+#include "framework/BrelCorvaneBase.h"
 
 namespace BR {
 

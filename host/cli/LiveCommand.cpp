@@ -91,7 +91,8 @@ const char* LiveRun::Wait(const std::function<bool()>& stop) {
         if (got == SIGTERM) return "SIGTERM";
         if (stop()) return nullptr;
         if (options.seconds > 0 &&
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() >= options.seconds)
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() >=
+                options.seconds)
             return "--seconds";
     }
 }
@@ -102,7 +103,8 @@ void LiveRun::OpenEditor(const Patch& patch, LiveHost& host) {
         if (patch.instances[i].name != options.editInstance) continue;
         editor = std::make_shared<EditorWindow>();
         BrelCorvaneBase& module = host.Engine().Driver(i).Module();
-        if (editor->Open(module, "corvane " + patch.instances[i].name + " (" + module.GetModuleName() + ")")) {
+        if (editor->Open(module,
+                         "corvane " + patch.instances[i].name + " (" + module.GetModuleName() + ")")) {
             std::fprintf(stderr, "corvane: the editor of \"%s\" is open\n", options.editInstance.c_str());
         } else {
             std::fprintf(stderr, "corvane: the editor cannot open: %s\n", editor->LastError().c_str());
@@ -134,7 +136,8 @@ int RunLive(int argc, char** argv) {
         bool known = false;
         for (const PatchInstance& instance : patch.instances)
             known = known || instance.name == run.options.editInstance;
-        if (!known) throw UsageError("--edit: the patch has no instance \"" + run.options.editInstance + "\"");
+        if (!known)
+            throw UsageError("--edit: the patch has no instance \"" + run.options.editInstance + "\"");
     }
     // A state file that is not there yet is where the first run saves: it starts from the defaults.
     for (PatchInstance& instance : patch.instances) {

@@ -48,7 +48,8 @@ void LiveHost::Follow(const OutsideTransport& outside) {
     }
     const bool rollingOn = outside.rolling && transport->playing &&
                            outside.frame == transport->blockSampleLocation && tempo == transport->tempo &&
-                           numerator == transport->meterNumerator && denominator == transport->meterDenominator;
+                           numerator == transport->meterNumerator &&
+                           denominator == transport->meterDenominator;
     if (rollingOn) return;
     transport->playing = outside.rolling;
     transport->blockSampleLocation = outside.frame;

@@ -14,10 +14,10 @@ namespace BR {
 // The transport of another timeline (JACK's) as it stands at the first frame of a period.
 struct OutsideTransport {
     bool rolling = false;
-    int64_t frame = 0;          // the outside timeline's frame, which the modules see as theirs
-    bool hasBeats = false;      // false: the patch's tempo and meter, its position at frame 0
-    double quarters = 0;        // quarter notes at `frame`, when hasBeats
-    double tempo = 120;         // quarter notes per minute, when hasBeats
+    int64_t frame = 0;      // the outside timeline's frame, which the modules see as theirs
+    bool hasBeats = false;  // false: the patch's tempo and meter, its position at frame 0
+    double quarters = 0;    // quarter notes at `frame`, when hasBeats
+    double tempo = 120;     // quarter notes per minute, when hasBeats
     int32_t meterNumerator = 4, meterDenominator = 4;
 };
 

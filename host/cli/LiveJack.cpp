@@ -30,8 +30,11 @@ struct JackSide {
     std::vector<std::vector<jack_port_t*>> outPorts, inPorts;
     jack_port_t* midiPort = nullptr;
     Patch::JackTransport mode = Patch::JackTransport::Follow;
-    // As master, the patch's frame 0 is the first frame JACK rolls after the client started it.
+    // As master, the patch's frame 0 is JACK's frame 0 of the roll the client started from its first
+    // period (relocating and starting are real-time safe); until then its outputs are silent.
+    bool startPending = false;
     bool waitForRoll = false;
+    uint32_t waited = 0;  // periods; after a second of a transport that will not roll, the patch starts
     TransportSettings settings;  // the master's tempo, meter and position at frame 0
     double sampleRate = 48000;
     std::atomic<bool> serverGone{false};
@@ -75,7 +78,8 @@ OutsideTransport ReadTransport(const JackSide& side, bool& rolling) {
         outside.hasBeats = true;
         outside.quarters =
             std::clamp(beats * 4.0 / position.beat_type, -kMaxPositionQuarters, kMaxPositionQuarters);
-        outside.tempo = std::clamp(position.beats_per_minute * 4.0 / position.beat_type, kMinTempo, kMaxTempo);
+        outside.tempo =
+            std::clamp(position.beats_per_minute * 4.0 / position.beat_type, kMinTempo, kMaxTempo);
         outside.meterNumerator = int32_t(std::clamp(std::lround(position.beats_per_bar), 1L, 64L));
         outside.meterDenominator = int32_t(std::clamp(std::lround(position.beat_type), 1L, 64L));
     }
@@ -92,9 +96,16 @@ int Process(jack_nframes_t frames, void* arg) {
             host.Input(i, c) = static_cast<const float*>(jack_port_get_buffer(side.inPorts[i][c], frames));
     }
     if (side.mode != Patch::JackTransport::Own) {
+        if (side.startPending) {
+            jack_transport_locate(side.client, 0);
+            jack_transport_start(side.client);
+            side.startPending = false;
+            side.waitForRoll = true;
+        }
         bool rolling = false;
         const OutsideTransport outside = ReadTransport(side, rolling);
-        if (side.waitForRoll && !rolling) {
+        if (side.waitForRoll && !(rolling && outside.frame == 0) &&
+            uint64_t(++side.waited) * frames < uint64_t(side.sampleRate)) {
             for (size_t i = 0; i < side.outPorts.size(); ++i)
                 for (size_t c = 0; c < side.outPorts[i].size(); ++c)
                     std::memset(host.Output(i, c), 0, sizeof(float) * frames);
@@ -196,11 +207,7 @@ int RunOnJack(Patch& patch, LiveRun& run) {
     if (master) {
         if (jack_set_timebase_callback(client, 0, Timebase, &side) != 0)
             throw InputError("live: JACK refused to make the client its timebase master");
-        if (patch.transport.playing) {
-            side.waitForRoll = true;
-            jack_transport_locate(client, 0);
-            jack_transport_start(client);
-        }
+        side.startPending = patch.transport.playing;
     }
     jack_set_process_callback(client, Process, &side);
     jack_on_shutdown(client, ServerShutdown, &side);

@@ -44,8 +44,9 @@ TEST(LiveCycle, TakesNoLockWhileOscSetsParameters) {
 
         UdpPeer client;
         ASSERT_TRUE(client.Bound());
-        client.Send(7427, "/registerUpdate",
-                    [&](osc::OutboundPacketStream& s) { s << osc::int32(0) << client.Client().c_str() << "/u"; });
+        client.Send(7427, "/registerUpdate", [&](osc::OutboundPacketStream& s) {
+            s << osc::int32(0) << client.Client().c_str() << "/u";
+        });
         const uint8_t noteOn[3] = {0x90, 0x3C, 0x64};
         uint64_t allocations = 0, locks = 0;
         bool sent = false, landed = false;
