@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "PatchJob.h"
+#include "Progress.h"
 #include "host/HostDriver.h"
 
 namespace BR {
@@ -35,6 +36,8 @@ public:
     DriverTransport* Transport() { return clock->Transport(); }
     // Offline only: each block waits until it is due (the live host is paced by its device).
     void SetPacer(const RealTimePacer* pacer_) { pacer = pacer_; }
+    // Offline only: told of the frames done after each block.
+    void SetProgress(RenderProgress* progress_) { progress = progress_; }
     // Whether instance i is given the outside MIDI; all by default.
     std::vector<bool> takesMidi;
 
@@ -49,6 +52,7 @@ private:
     std::vector<const float*> in;
     std::vector<float*> out;
     const RealTimePacer* pacer = nullptr;
+    RenderProgress* progress = nullptr;
 };
 
 }  // namespace BR
