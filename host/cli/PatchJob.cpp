@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "CommandLine.h"
+#include "MidiFileOut.h"
 #include "PatchEngine.h"
 
 namespace BR {
@@ -78,6 +79,16 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSe
     ApplyRemoteSettings(remote);
     PatchEngine engine(patch, modules);
     const size_t count = engine.Count();
+    // Offline: each capture keeps the whole render's messages for its file.
+    std::vector<std::unique_ptr<ModuleMidiCapture>> midiOut(count);
+    for (size_t i = 0; i < count; ++i) {
+        const PatchInstance& instance = patch.instances[i];
+        if (instance.midiOutPath.empty()) continue;
+        midiOut[i] = std::make_unique<ModuleMidiCapture>(4096, true);
+        if (!midiOut[i]->Attach(engine.Driver(i)))
+            throw InputError(patch.path + ": " + instance.place + ".midi_out: " + instance.entry->moduleName +
+                             " sends no MIDI (CV To MIDI does)");
+    }
     std::vector<AudioData> outputs(count);
     std::vector<std::vector<float*>> at(count);
     std::vector<float* const*> table(count);
@@ -98,6 +109,15 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSe
     engine.Render(0, patch.frames, table.data(), nullptr);
     for (size_t i = 0; i < count; ++i)
         WriteWav(patch.instances[i].outPath, outputs[i]);
+    for (size_t i = 0; i < count; ++i) {
+        if (!midiOut[i]) continue;
+        // Every driver of the patch starts at frame 0 with the patch.
+        const SentMidi* sorted = midiOut[i]->Sorted();
+        const std::vector<SentMidi> sent(sorted, sorted + midiOut[i]->Count());
+        midiOut[i]->Detach();
+        WriteMidiFile(patch.instances[i].midiOutPath, sent, int64_t(patch.sampleRate),
+                      uint64_t(patch.frames));
+    }
     return patch.frames;
 }
 

@@ -11,6 +11,7 @@
 #include "PatchJob.h"
 #include "RenderJob.h"
 #include "framework/ModuleCatalogue.h"
+#include "host/devices/MidiDevices.h"
 #include "remote/RemoteServices.h"
 
 namespace {
@@ -27,12 +28,15 @@ const char* kUsage =
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "      --realtime  --script FILE.lua...  --osc-base-port N\n"
+    "      --midi-out FILE.mid   the MIDI the module sends (CV To MIDI), as a Standard MIDI File\n"
+    "                            whose ticks are frames\n"
     "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
     "  patch FILE.json [--realtime] [--osc-base-port N]\n"
     "                            render several instances together, one WAV each\n"
     "  live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--osc-base-port N]\n"
     "                            run a patch in real time as a JACK client until SIGINT or SIGTERM\n"
+    "  midi-ports                MIDI output devices for property 64100: system, name\n"
     "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
 
 int Dispatch(int argc, char** argv) {
@@ -45,6 +49,10 @@ int Dispatch(int argc, char** argv) {
     if (command == "list") {
         if (argc > 2) throw BR::UsageError("list takes no arguments");
         return BR::RunList();
+    }
+    if (command == "midi-ports") {
+        if (argc > 2) throw BR::UsageError("midi-ports takes no arguments");
+        return BR::RunMidiPorts();
     }
     if (command == "params") {
         if (argc != 3) throw BR::UsageError("params needs exactly one module stem");
@@ -122,6 +130,8 @@ int main(int argc, char** argv) {
     // Every module the command makes gets its OSC server and Lua helper. Tests that drive the
     // command in-process run without them.
     BR::InstallRemoteServices();
+    // Property 64100 of CV To MIDI opens the system's MIDI output devices by name.
+    BR::InstallMidiOutputDevices();
     return CorvaneMain(argc, argv);
 }
 #endif
