@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 
 #include "CalibrationOptions.h"
@@ -11,6 +12,7 @@
 #include "InputLimits.h"
 #include "MidiFile.h"
 #include "MidiFileOut.h"
+#include "Progress.h"
 #include "StateFile.h"
 #include "WavFile.h"
 #include "modules/ModuleFactory.h"
@@ -140,7 +142,8 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
         } else if (option == "--script") {
             job.scripts.push_back(PathValue(cursor, option));
         } else if (!ParseTransportOption(option, cursor, job.transport) &&
-                   !ParseRemoteOption(option, cursor, job.remote)) {
+                   !ParseRemoteOption(option, cursor, job.remote) &&
+                   !ParsePlotOption(option, cursor, job.plot)) {
             throw UsageError("render: unknown option \"" + option + "\"");
         }
     }
@@ -173,6 +176,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
                              " sends no MIDI (CV To MIDI does)");
     }
     const uint64_t firstFrame = driver.RenderedFrames();
+    CheckPlotSettings(job.plot);
     if (!job.stateOut.empty()) CheckWritable(job.stateOut, "--state-out");
     if (!job.calibrationOut.empty()) {
         CheckWritable(job.calibrationOut, "--calibration-out");
@@ -199,6 +203,10 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
         }
     }
     events.insert(events.end(), job.events.begin(), job.events.end());
+    std::vector<PlotMidi> marks;
+    if (!job.plot.path.empty())
+        for (const MidiEventSpec& event : events)
+            marks.push_back({int64_t(event.frame), event.bytes});
     MidiSchedule midi(std::move(events));
 
     int64_t frames = job.frames;
@@ -236,6 +244,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     BlockClock clock(job.transport, job.sampleRate);
     driver.SetTransport(clock.Transport());
     const RealTimePacer pacer(job.remote.realtime, job.sampleRate);
+    std::optional<RenderProgress> progress(std::in_place, frames, job.sampleRate);
     for (int64_t done = 0; done < frames;) {
         const uint32_t n = clock.NextBlock(done, uint32_t(std::min<int64_t>(job.blockSize, frames - done)));
         for (size_t c = 0; c < numIn; ++c)
@@ -254,12 +263,25 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
         }
         done += n;
         pacer.Wait(done);
+        progress->Update(done);
     }
+    progress.reset();
     driver.SetTransport(nullptr);
     midiOut.Detach();
     WriteWav(job.outputPath, output);
     if (!job.midiOutPath.empty())
         WriteMidiFile(job.midiOutPath, sent, int64_t(job.sampleRate), uint64_t(frames));
+    if (!job.plot.path.empty()) {
+        PlotData plot;
+        plot.title =
+            std::string(driver.Module().GetModuleName()) + ", " + std::to_string(int(job.sampleRate)) + " Hz";
+        plot.sampleRate = job.sampleRate;
+        plot.names = OutputChannelNames(driver.Entry(), int32_t(numOut));
+        for (const std::vector<float>& channel : output.channels)
+            plot.channels.push_back(&channel);
+        plot.midi = std::move(marks);
+        WritePlot(plot, job.plot, job.plot.path);
+    }
     if (!job.stateOut.empty()) WriteStateFile(job.stateOut, driver);
     if (!job.calibrationOut.empty()) SaveCalibrationOption(driver, job.calibrationOut, "--calibration-out");
     return frames;
