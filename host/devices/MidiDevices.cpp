@@ -40,6 +40,12 @@ std::unique_ptr<MIDIOutputDevice> OpenMidiOutputDevice(const std::string& name) 
 
 void InstallMidiOutputDevices() {
     SetMIDIOutputOpener([](const std::string& name) { return OpenMidiOutputDevice(name); });
+    SetMIDIOutputLister([] {
+        std::vector<std::string> names;
+        for (MidiDeviceInfo& device : ListMidiOutputDevices())
+            names.push_back(std::move(device.name));
+        return names;
+    });
 }
 
 }  // namespace BR

@@ -40,7 +40,9 @@ std::unique_ptr<MIDIOutputDevice> OpenMidiOutputDevice(const std::vector<MidiDev
                                                        const std::string& name);
 std::unique_ptr<MIDIOutputDevice> OpenMidiOutputDevice(const std::string& name);
 
-// Makes OpenMidiOutputDevice the opener of every module that sends MIDI (property 64100).
+// Makes OpenMidiOutputDevice the opener of every module that sends MIDI (property 64100), and the
+// names of ListMidiOutputDevices what GetMIDIOutputLister gives layers that cannot reach the host's
+// (the editor's device browser).
 void InstallMidiOutputDevices();
 
 }  // namespace BR

@@ -115,6 +115,12 @@ TEST(MidiDevices, NoSequencerAndNoServerListNothingAndSayNothing) {
 TEST(MidiDevices, AnUnknownNameGivesASilentModuleThatKeepsTheName) {
     NoJackServer noServer;
     BR::InstallMidiOutputDevices();
+    // The listing reaches layers above the modules through the lister hook.
+    ASSERT_NE(BR::GetMIDIOutputLister(), nullptr);
+    std::vector<std::string> names;
+    for (const auto& device : BR::ListMidiOutputDevices())
+        names.push_back(device.name);
+    EXPECT_EQ(BR::GetMIDIOutputLister()(), names);
     auto driver = BR::Test::MakeDriver("cvtomidi", 48000.0f);
     auto& module = static_cast<BrelCorvaneCVToMIDI::BrelCorvane&>(driver->Module());
     driver->SetParameterByName("Enable CC L", 1.0f);
@@ -138,6 +144,7 @@ TEST(MidiDevices, AnUnknownNameGivesASilentModuleThatKeepsTheName) {
     EXPECT_EQ(module.GetProperty(64100, &text), 0);
     EXPECT_STREQ(text, "No Such Synth:in");
     BR::SetMIDIOutputOpener(nullptr);
+    BR::SetMIDIOutputLister(nullptr);
 }
 
 // Needs a JACK server with a MIDI input port named by CORVANE_TEST_JACK_PORT (the JACK host test
