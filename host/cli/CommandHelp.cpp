@@ -53,6 +53,11 @@ const Help kHelp[] = {
      "usage: corvane edit STEM [render options]\n"
      "Opens the module's editor in a window while it renders in real time; --seconds S closes it\n"
      "after S seconds; closing it writes --state-out.\n"},
+    {"screenshot",
+     "usage: corvane screenshot STEM --out FILE.png [--set \"NAME=VALUE\"]... [--state-in FILE]\n"
+     "                          [--display NAME]\n"
+     "Draws the module's panel off screen, under an Xvfb of its own unless --display names an X server,\n"
+     "and writes it as a PNG; --set and --state-in set the parameters first.\n"},
     {"patch",
      "usage: corvane patch FILE.json [--realtime] [--osc-base-port N] [--plot FILE.png]\n"
      "                               [--plot-size WxH] [--plot-range START:END]\n"

@@ -35,6 +35,8 @@ const char* kUsage =
     "                            whose ticks are frames\n"
     "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
+    "  screenshot STEM --out FILE.png [--set \"NAME=VALUE\"...] [--state-in FILE] [--display NAME]\n"
+    "                            draw the module's panel off screen (a private Xvfb) into a PNG\n"
     "  patch FILE.json [--realtime] [--osc-base-port N] [--plot FILE.png ...]\n"
     "                            render several instances together, one WAV (and plot) each\n"
     "  live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--edit NAME]\n"
@@ -82,6 +84,7 @@ int Dispatch(int argc, char** argv) {
         return 0;
     }
     if (command == "edit") return BR::RunEdit(argc, argv);
+    if (command == "screenshot") return BR::RunScreenshot(argc, argv);
     if (command == "patch") {
         if (argc < 3 || argv[2][0] == '-') throw BR::UsageError("patch needs exactly one patch file");
         BR::RemoteSettings remote;
