@@ -49,7 +49,8 @@ private:
     void ReadInstance(const Json& value, size_t index, Patch& patch);
     PatchSource ReadSource(const Json& value, const std::string& place, Patch& patch);
     // A file the render writes: in an existing folder, and written by no other place of the patch.
-    std::string WritablePath(const std::string& given, const std::string& place);
+    // `owner`, the instance, is named when another place writes the same file.
+    std::string WritablePath(const std::string& given, const std::string& place, const std::string& owner);
 
     std::string path;
     std::filesystem::path folder;
@@ -296,14 +297,16 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
             CheckScripts({instance.scripts.back()}, path + ": " + at);
         }
     }
-    instance.outPath = WritablePath(
-        value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav", place + ".out");
+    instance.outPath =
+        WritablePath(value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav",
+                     place + ".out", place);
     if (value.contains("midi_out"))
         instance.midiOutPath =
-            WritablePath(Text(value["midi_out"], place + ".midi_out"), place + ".midi_out");
+            WritablePath(Text(value["midi_out"], place + ".midi_out"), place + ".midi_out", place);
 }
 
-std::string PatchReader::WritablePath(const std::string& given, const std::string& place) {
+std::string PatchReader::WritablePath(const std::string& given, const std::string& place,
+                                      const std::string& owner) {
     if (given.empty()) Fail(place, "must name a file");
     const std::string file = Resolve(given);
     std::error_code ec;
@@ -312,7 +315,7 @@ std::string PatchReader::WritablePath(const std::string& given, const std::strin
     const std::filesystem::path outFolder = std::filesystem::path(file).parent_path();
     if (!outFolder.empty() && !std::filesystem::is_directory(outFolder, ec))
         Fail(place, "there is no folder \"" + outFolder.string() + "\" to write \"" + file + "\" in");
-    const auto [other, fresh] = outs.emplace(file, place);
+    const auto [other, fresh] = outs.emplace(file, owner);
     if (!fresh) Fail(place, "\"" + file + "\" is written by " + other->second + " already");
     return file;
 }

@@ -75,9 +75,9 @@ std::string WriteInput(const std::string& folder, const BR::Test::RampAndGate& s
     return folder + "/in.wav";
 }
 
-std::string SetOptions() {
+std::string SetOptions(int channel = 3) {
     std::string options;
-    for (const auto& [name, value] : BR::Test::RampAndGate::Settings(3, 7))
+    for (const auto& [name, value] : BR::Test::RampAndGate::Settings(channel, 7))
         options += " --set \"" + name + "=" + std::to_string(value) + "\"";
     return options;
 }
@@ -127,13 +127,14 @@ TEST(CliMidiOut, PatchInstancesWriteTheSameFileAsRender) {
     const std::string folder = BR::Test::MakeTempFolder();
     const BR::Test::RampAndGate signal(24000, 4000, 1000);
     const std::string in = WriteInput(folder, signal, 48000);
-    auto result = BR::Test::RunCorvane("render cvtomidi --in " + in + SetOptions() + " --out " + folder +
+    // Channel 1: a patch's number 3 for "Channel L" would be read as the value name "3".
+    auto result = BR::Test::RunCorvane("render cvtomidi --in " + in + SetOptions(1) + " --out " + folder +
                                        "/r.wav --midi-out " + folder + "/r.mid");
     ASSERT_EQ(result.status, 0) << result.err;
     std::ofstream(folder + "/p.json") << R"({"rate": 48000, "block": 128, "frames": 24000, "instances": [
         {"name": "a", "module": "cvtomidi", "inputs": ["in.wav:0", "in.wav:1"], "midi_out": "a.mid",
          "set": {"Enable CC L": 1, "Send CC L": 7, "Enable Note L": 1, "Note On Mode L": "Gate Only",
-                 "Channel L": 3, "Enable R": 0}},
+                 "Enable R": 0}},
         {"name": "silent", "module": "cvtomidi", "midi_out": "silent.mid"}]})";
     result = BR::Test::RunCorvane("patch " + folder + "/p.json");
     ASSERT_EQ(result.status, 0) << result.err;
@@ -168,7 +169,7 @@ TEST(CliMidiOut, ModulesThatSendNoMidiAreRefusedBeforeAnythingIsWritten) {
     result = BR::Test::RunCorvane("patch " + folder + "/q.json");
     EXPECT_EQ(result.status, 2);
     EXPECT_NE(
-        result.err.find("instances[0].midi_out: \"" + folder + "/same\" is written by instances[0].out"),
+        result.err.find("instances[0].midi_out: \"" + folder + "/same\" is written by instances[0] already"),
         std::string::npos)
         << result.err;
 }
