@@ -131,6 +131,7 @@ void Manager::BeginParameterEdit(int32_t parameter) {
     if (beginEdit) beginEdit(parameter, callbackContext);
     gTouchedModule = module;
     gTouchedParameter = parameter;
+    BR::SetActiveParameter(module, parameter);
 }
 
 void Manager::EndParameterEdit(int32_t parameter) {
