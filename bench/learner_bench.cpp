@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "BenchSupport.h"
-#include "framework/ModuleServices.h"
+#include "framework/ActiveParameter.h"
 #include "modules/events/Learner.h"
 
 namespace {

@@ -8,6 +8,7 @@
 
 #include "GuiFont.h"
 #include "GuiTexture.h"
+#include "framework/ActiveParameter.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/PreferenceStore.h"
 #include "widgets/Group.h"

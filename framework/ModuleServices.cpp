@@ -1,9 +1,10 @@
-// Process-wide hook slots and the OSC base port.
+// Process-wide hook slots, the OSC base port and the active parameter.
 #include "ModuleServices.h"
 
 #include <atomic>
 #include <mutex>
 
+#include "ActiveParameter.h"
 #include "InstanceRegistry.h"
 
 namespace BR {

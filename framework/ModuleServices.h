@@ -36,11 +36,6 @@ using GlobalMIDIHook = void (*)(BrelCorvaneBase& module, const MessageQueueItem&
 void SetGlobalMIDIHook(GlobalMIDIHook hook);
 GlobalMIDIHook GetGlobalMIDIHook();
 
-// The parameter last touched in any editor (instance and table index; null and -1 before any), which
-// MIDI learn reads. Kept under the registry lock.
-void SetActiveParameter(BrelCorvaneBase* instance, int32_t tableIndex);
-void GetActiveParameter(BrelCorvaneBase*& instance, int32_t& tableIndex);
-
 // Process-wide OSC base port, read from the preferences by every InitModule.
 void SetOSCBasePort(int32_t port);
 int32_t GetOSCBasePort();

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <vector>
 
+#include "framework/ActiveParameter.h"
 #include "framework/StateChunkStore.h"
 
 namespace BrelCorvaneLearner {

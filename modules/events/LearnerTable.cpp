@@ -11,6 +11,7 @@
 #include <map>
 #include <mutex>
 
+#include "framework/ActiveParameter.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/InstanceRegistry.h"
 #include "framework/MessageQueue.h"

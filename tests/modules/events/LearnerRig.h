@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/ModuleServices.h"
+#include "framework/ActiveParameter.h"
 #include "modules/events/Learner.h"
 #include "tests/support/Render.h"
 
