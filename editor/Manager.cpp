@@ -8,6 +8,7 @@
 
 #include "GuiFont.h"
 #include "GuiTexture.h"
+#include "framework/ActiveParameter.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/PreferenceStore.h"
 #include "widgets/Group.h"
@@ -131,6 +132,7 @@ void Manager::BeginParameterEdit(int32_t parameter) {
     if (beginEdit) beginEdit(parameter, callbackContext);
     gTouchedModule = module;
     gTouchedParameter = parameter;
+    BR::SetActiveParameter(module, parameter);
 }
 
 void Manager::EndParameterEdit(int32_t parameter) {

@@ -5,6 +5,7 @@
 
 #include "modules/events/CVToMIDI.h"
 #include "modules/events/Follower.h"
+#include "modules/events/Learner.h"
 #include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
@@ -41,6 +42,7 @@ const FactoryRow kFactories[] = {
     {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
     {"follower", &BrelCorvaneFollower::Create},
     {"Function", &BrelCorvaneFunction::Create},
+    {"learner", &BrelCorvaneLearner::Create},
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},
     {"smux", &BrelCorvaneSMUX::Create},

@@ -68,6 +68,8 @@ dc              | signal | -                                                    
 # "Ardent" frame, which is no lane: only the thru pair "1/2" goes out (the offline test compares the
 # stream itself)
 dunmorecombiner | signal | -                                                                       | Target Channel=6, Filter 1=1
+# The audio passes through; the notifications it would send are off
+learner         | signal | -                                                                       | -
 Function        | signal | -                                                                       | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
 # The pitch of the input sines on both outputs (see COMPARE_FROM below)
 follower        | signal | -                                                                       | Output Pitch R=-0.5, Output Env R=0

@@ -47,6 +47,8 @@ Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scal
 dunmorecombiner | varies | 256 1024       | Target Hardware=1, Filter 2=1, Filter 5=1, Input 7=1
 # The input sines followed: stepped pitch plus half the envelope on L, the envelope on R
 follower        | varies | 4096 16384     | Output Env L=0.5, Env Attack=5, Env Release=20
+# The audio passes through ("Send OSC" stays "Off": no notification leaves the test)
+learner         | varies | 4096 16384     | -
 # Free-running waves; the input multiplies R
 lfo             | varies | 4096 16384     | Speed L=3, Sine L=1, Triangle L=-0.3, Speed R=7, Square R=0.4, Pulse Width R=30, Saw R=0.5, Input Mode R=1
 # Even steps: L offset by a quarter step and slewed, R transposed and smoothed
