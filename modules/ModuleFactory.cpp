@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "modules/events/CVToMIDI.h"
+#include "modules/events/CVToOSC.h"
 #include "modules/events/Follower.h"
 #include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
@@ -37,6 +38,7 @@ const FactoryRow kFactories[] = {
     {"cindercombiner", &BrelCorvaneCinderCombiner::Create},
     {"cvinput", &BrelCorvaneCVInput::Create},
     {"cvtomidi", &BrelCorvaneCVToMIDI::Create},
+    {"cvtoosc", &BrelCorvaneCVToOSC::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
     {"follower", &BrelCorvaneFollower::Create},
