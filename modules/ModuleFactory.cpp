@@ -6,6 +6,7 @@
 #include "modules/events/CVToMIDI.h"
 #include "modules/events/CVToOSC.h"
 #include "modules/events/Follower.h"
+#include "modules/events/Soundplane.h"
 #include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
@@ -46,6 +47,7 @@ const FactoryRow kFactories[] = {
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},
     {"smux", &BrelCorvaneSMUX::Create},
+    {"soundplane", &BrelCorvaneSoundplane::Create},
     {"steplfo", &BrelCorvaneStepLFO::Create},
     {"sync", &BrelCorvaneSync::Create},
     {"trigger", &BrelCorvaneTrigger::Create},
