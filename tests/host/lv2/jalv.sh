@@ -97,6 +97,9 @@ PLAYED=48000
 # measurements; from the second rising crossing of the input on it is locked to the crossings and
 # must match sample for sample (its envelope would only converge, so the row leaves it out).
 declare -A COMPARE_FROM=([follower]=4096)
+# Modules whose outputs nothing jalv sends can move, compared as steady values: Soundplane follows
+# touches that arrive only over OSC.
+declare -A STEADY=([soundplane]=1)
 
 DC_SETTINGS=(-c output_positive_l=0.3 -c multiplier_l=-1.5 -c output_symmetric_r=-0.45 -c multiplier_r=1.5)
 DC_RENDER=(--set "Output Positive L=0.3" --set "Multiplier L=-1.5" --set "Output Symmetric R=-0.45" --set "Multiplier R=1.5")
@@ -186,7 +189,9 @@ while IFS=$'\t' read -r stem inputs outputs; do
     events=$(field "$row" 2)
     if [ "$events" != - ]; then for e in $events; do given+=(--event "$e"); done; fi
     render "$stem" --block 256 --tempo 90 --frames $PLAYED "${given[@]}" "${RENDER_SET[@]}" --out "$WORK/$stem-ref.wav"
-    "$TOOL" expect-varying "$WORK/$stem-ref.wav" || fail "$stem: the reference does not move"
+    if [ -z "${STEADY[$stem]:-}" ]; then
+        "$TOOL" expect-varying "$WORK/$stem-ref.wav" || fail "$stem: the reference does not move"
+    fi
     "$TOOL" compare "$WORK/$stem.wav" "$WORK/$stem-ref.wav" --from "${COMPARE_FROM[$stem]:-0}" \
         || fail "$stem in jalv differs from corvane render"
 done < <(built_modules)
