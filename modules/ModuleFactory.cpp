@@ -4,8 +4,10 @@
 #include <cstring>
 
 #include "modules/events/CVToMIDI.h"
+#include "modules/events/CVToOSC.h"
 #include "modules/events/Follower.h"
 #include "modules/events/Learner.h"
+#include "modules/events/Soundplane.h"
 #include "modules/hardware/ACEncoder.h"
 #include "modules/hardware/ArdentController.h"
 #include "modules/hardware/BasaltController.h"
@@ -38,6 +40,7 @@ const FactoryRow kFactories[] = {
     {"cindercombiner", &BrelCorvaneCinderCombiner::Create},
     {"cvinput", &BrelCorvaneCVInput::Create},
     {"cvtomidi", &BrelCorvaneCVToMIDI::Create},
+    {"cvtoosc", &BrelCorvaneCVToOSC::Create},
     {"dc", &BrelCorvaneDC::Create},
     {"dunmorecombiner", &BrelCorvaneDunmoreCombiner::Create},
     {"follower", &BrelCorvaneFollower::Create},
@@ -46,6 +49,7 @@ const FactoryRow kFactories[] = {
     {"lfo", &BrelCorvaneLFO::Create},
     {"quantizer", &BrelCorvaneQuantizer::Create},
     {"smux", &BrelCorvaneSMUX::Create},
+    {"soundplane", &BrelCorvaneSoundplane::Create},
     {"steplfo", &BrelCorvaneStepLFO::Create},
     {"sync", &BrelCorvaneSync::Create},
     {"trigger", &BrelCorvaneTrigger::Create},

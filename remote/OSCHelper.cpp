@@ -56,8 +56,6 @@ void EndThread(std::thread& thread, const std::shared_ptr<std::atomic<bool>>& do
 
 }  // namespace
 
-TouchEntry touchTable[kNumTouches];
-
 OSCHelper::OSCHelper(BrelCorvaneBase* owner_, LuaMIDIHelper* luaHelper_)
     : owner(owner_), luaHelper(luaHelper_), updateQueue(updateFlags, notifyEvents) {}
 

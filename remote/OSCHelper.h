@@ -18,8 +18,9 @@
 #include <vector>
 
 #include "SetParamQueue.h"
-#include "SignalEvents.h"
 #include "framework/ParameterDefinition.h"
+#include "framework/SharedState.h"
+#include "framework/SignalEvents.h"
 
 class BrelCorvaneBase;
 struct lua_State;
@@ -39,14 +40,6 @@ struct OSCParameterTarget {
     float offset;
     float scale;
 };
-
-// One touch of the process-wide Soundplane table; no lock guards it.
-struct TouchEntry {
-    std::atomic<uint8_t> active{0};
-    std::atomic<float> values[4] = {};
-};
-constexpr int kNumTouches = 16;
-extern TouchEntry touchTable[kNumTouches];
 
 class OSCHelper : public osc::OscPacketListener {
 public:

@@ -55,6 +55,7 @@ std::unique_ptr<ModuleServices> CreateRemoteServices(BrelCorvaneBase& module) {
 
 void InstallRemoteServices() {
     SetModuleServicesFactory(&CreateRemoteServices);
+    InstallOSCTransmitter();
 }
 
 void SetScriptsForNextModules(std::vector<std::string> paths) {

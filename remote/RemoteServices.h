@@ -15,8 +15,10 @@ class LuaMIDIHelper;
 
 // The factory to hand to SetModuleServicesFactory.
 std::unique_ptr<ModuleServices> CreateRemoteServices(BrelCorvaneBase& module);
-// Installs it.
+// Installs it, and the OSC transmit hook.
 void InstallRemoteServices();
+// Installs only the OSC transmit hook through which modules send OSC of their own (CV To OSC).
+void InstallOSCTransmitter();
 // Extra user scripts for the modules the calling thread creates next, run after the per-user
 // folder's; an empty list ends that. The command line's --script and a patch's "scripts".
 void SetScriptsForNextModules(std::vector<std::string> paths);

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "SignalEvents.h"
+#include "framework/SignalEvents.h"
 
 namespace BR {
 

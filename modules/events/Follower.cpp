@@ -97,7 +97,7 @@ void BrelCorvane::InitModule() {
     calibratedNote = 0.0f;
     smoother[0].Reset();
     smoother[1].Reset();
-    calibration.Reset();  // identity notes, values 0
+    calibration.table.Reset();  // identity notes, values 0
     status.Emplace<FollowerStatus>().noPitch = 1;
     BrelCorvaneBase::InitModule();
 }
@@ -230,7 +230,7 @@ void BrelCorvane::Measure() {
         const float note = std::clamp(NoteOf(frequency) - (zeroNote - 48.0f), 0.0f, 127.0f);
         const int32_t i = int32_t(note);
         const float f = note - float(i);
-        pitchVolts = (1.0f - f) * calibration.notes[i].value + f * calibration.notes[i + 1].value;
+        pitchVolts = (1.0f - f) * calibration.table.notes[i].value + f * calibration.table.notes[i + 1].value;
         calibratedNote = note;
         pitchOut = pitchVolts;  // the table holds sample values already
         return;
@@ -281,65 +281,29 @@ int32_t BrelCorvane::GetParameterDisplayString(BR::DisplayStringRequest& request
 }
 
 int32_t BrelCorvane::GetProperty(uint32_t id, void* data) {
-    switch (id) {
-        case BR::kPropertyCalibrationTable:
-            return BR::PutProperty(data, static_cast<BR::CalibrationPoint*>(calibration.notes));
-        case BR::kPropertyCalibrationValid:
-            return BR::PutProperty(data, static_cast<uint8_t*>(calibration.valid));
-        case BR::kPropertyCalibrationCount:
-            return BR::PutProperty(data, int32_t(BR::kCalibrationEntries));
-        case BR::kPropertyCalibrationName:
-            return BR::PutProperty(data, calibrationName.c_str());
-        default:
-            return BrelCorvaneBase::GetProperty(id, data);
-    }
+    const int32_t answer = calibration.GetProperty(id, data);
+    return answer != BR::kNotCalibrationProperty ? answer : BrelCorvaneBase::GetProperty(id, data);
 }
 
 int32_t BrelCorvane::GetPropertyInfo(uint32_t id, uint32_t* size, bool* writable) {
-    uint32_t bytes = 0;
-    bool canWrite = false;
-    switch (id) {
-        case BR::kPropertyCalibrationTable:
-        case BR::kPropertyCalibrationValid:
-            bytes = 8;
-            break;
-        case BR::kPropertyCalibrationCount:
-            bytes = 4;
-            break;
-        case BR::kPropertyCalibrationName:
-            bytes = uint32_t(calibrationName.size() + 1);
-            canWrite = true;
-            break;
-        default:
-            return BrelCorvaneBase::GetPropertyInfo(id, size, writable);
-    }
-    if (size) *size = bytes;
-    if (writable) *writable = canWrite;
-    return BR::kNoErr;
+    const int32_t answer = calibration.GetPropertyInfo(id, size, writable);
+    return answer != BR::kNotCalibrationProperty ? answer
+                                                 : BrelCorvaneBase::GetPropertyInfo(id, size, writable);
 }
 
 int32_t BrelCorvane::SetProperty(uint32_t id, const void* data, uint32_t size) {
-    if (id != BR::kPropertyCalibrationName) return BrelCorvaneBase::SetProperty(id, data, size);
-    if (!data) return BR::kErrInvalidProperty;
-    const char* text = static_cast<const char*>(data);
-    calibrationName.assign(text, strnlen(text, size));
-    return BR::kNoErr;
+    const int32_t answer = calibration.SetProperty(id, data, size);
+    return answer != BR::kNotCalibrationProperty ? answer : BrelCorvaneBase::SetProperty(id, data, size);
 }
 
 void BrelCorvane::SaveExtraChunks(BR::StateChunkStore& store) {
-    store.Add(kTagCalibrationName, calibrationName.c_str(), uint32_t(calibrationName.size() + 1));
-    const std::vector<uint8_t> table = calibration.SaveChunk();
-    store.Add(kTagCalibrationTable, table.data(), uint32_t(table.size()));
+    calibration.SaveName(store);
+    calibration.SaveTable(store);
 }
 
 void BrelCorvane::LoadExtraChunks(const BR::StateChunkStore& store) {
-    BR::StateChunkStore::Blob blob;
-    if (store.Find(kTagCalibrationName, blob) && blob.data) {
-        const char* text = reinterpret_cast<const char*>(blob.data);
-        calibrationName.assign(text, strnlen(text, blob.length));
-    }
-    // Version 1 whose size holds its count; at most 129 entries are taken.
-    if (store.Find(kTagCalibrationTable, blob)) calibration.LoadChunk(blob.data, blob.length);
+    calibration.LoadName(store);
+    calibration.LoadTable(store);
 }
 
 BrelCorvaneBase* Create() {

@@ -6,7 +6,7 @@
 
 #include "framework/BrelCorvaneBase.h"
 #include "framework/Smoothing.h"
-#include "modules/sequencing/Calibration.h"
+#include "modules/sequencing/CalibrationProperties.h"
 
 namespace BrelCorvaneFollower {
 
@@ -41,8 +41,8 @@ enum VScaleMode : int32_t { kScaleManual = 0, kScaleArdent = 1, kScaleCinder = 2
 
 constexpr uint32_t kRingSize = 4096;  // a power of two: the ring index is masked, never bounds-tested
 constexpr uint32_t kRingMask = kRingSize - 1;
-constexpr uint32_t kTagCalibrationName = BR::FourCC("calf");
-constexpr uint32_t kTagCalibrationTable = BR::FourCC("calt");
+constexpr uint32_t kTagCalibrationName = BR::kTagCalibrationName;
+constexpr uint32_t kTagCalibrationTable = BR::kTagCalibrationTable;
 
 // Editor view, smoothed over about 30 ms. In "Calibrated" mode bytes 8 and 12 carry the clamped note
 // and the pitch volts instead, for the calibration display.
@@ -92,8 +92,8 @@ public:
     uint32_t NextEvaluation() const { return nextEvaluation; }
     uint32_t WindowSamples() const { return uint32_t(windowSamples); }
     const BR::OutputSmoother& Smoother(int k) const { return smoother[k]; }
-    BR::CalibrationTable& Calibration() { return calibration; }
-    const std::string& CalibrationName() const { return calibrationName; }
+    BR::CalibrationTable& Calibration() { return calibration.table; }
+    const std::string& CalibrationName() const { return calibration.name; }
 
 private:
     void Measure();
@@ -122,8 +122,7 @@ private:
     float calibratedNote = 0;
     std::vector<float> scratch;
 
-    BR::CalibrationTable calibration;
-    std::string calibrationName;
+    BR::CalibrationProperties calibration{false};  // table and name; no naming time
 };
 
 BrelCorvaneBase* Create();

@@ -37,9 +37,10 @@ struct CalibrationTable {
     CalibrationTable() { Reset(); }
     // Every value and flag 0, so every note maps to 0.
     void Reset();
-    // Sample value of a fractional note, clamped to 0..127, by linear interpolation.
+    // Sample value of a fractional note, clamped to 0..127, by linear interpolation. NaN reads as
+    // note 0, so that no index is ever made from it.
     float Convert(float note) const {
-        const float p = note < 0.0f ? 0.0f : (note > 127.0f ? 127.0f : note);
+        const float p = !(note > 0.0f) ? 0.0f : (note > 127.0f ? 127.0f : note);
         const int32_t i = int32_t(p);
         const float f = p - float(i);
         return (1.0f - f) * notes[i].value + f * notes[i + 1].value;

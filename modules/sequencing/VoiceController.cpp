@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <ctime>
 
 #include "framework/PolySine.h"
 #include "framework/StateChunkStore.h"
@@ -174,8 +173,6 @@ BR::PresetDefinition presetTable[] = {{"Defaults", 0, defaultsValues}};
 
 constexpr BR::ModuleConfig kConfig{
     1, 6, 0, 2, kOSCPortOffset, 1, presetTable, kNumParameters, parameterTable, kInterfaceCategory};
-
-constexpr uint32_t kTagCalibration = BR::FourCC("calt");
 
 BR::EnvParameterRows EnvelopeRows(int32_t e) {
     return BR::EnvParameterRows{kEnv1TimeA1 + e * BR::kEnvRowStride, kEnv1TypeA1 + e * BR::kEnvTypeRowStride,
@@ -434,7 +431,7 @@ void BrelCorvane::UpdateNoteOutputs() {
     if (pitch.override) p = pitch.overrideNote;
     p += (sine * pitch.vibratoCents + pitch.detuneCents) * 0.01f + pitch.transpose;
     p = std::clamp(p, 0.0f, 127.0f);
-    pitchTarget = calibration.Convert(p);
+    pitchTarget = calibration.table.Convert(p);
     display->note = p;
     display->value = pitchTarget;
     // An overridden gate is the voltage itself, not a place between the two.
@@ -447,14 +444,12 @@ void BrelCorvane::HandleQueuedMessage(BR::MessageQueueItem* item) {
     if (item->kind != BR::kMessageCommand) return;
     switch (item->Command()) {
         case BR::kPropertyMakeArdentTable:
-            calibration.MakeArdent();
-            break;
         case BR::kPropertyMakeCinderTable:
-            calibration.MakeCinder();
+            calibration.MakeFormula(item->Command());
             break;
         case BR::kPropertyCalibrateVoltsPerOctave:
         case BR::kPropertyCalibrateHertzPerVolt:
-            measurement.Start(calibration, sampleRate, maxBlockSize,
+            measurement.Start(calibration.table, sampleRate, maxBlockSize,
                               item->Command() == BR::kPropertyCalibrateHertzPerVolt);
             mode = kModeMeasuring;
             break;
@@ -486,6 +481,8 @@ int32_t BrelCorvane::GetParameterDisplayString(BR::DisplayStringRequest& request
 }
 
 int32_t BrelCorvane::GetProperty(uint32_t id, void* data) {
+    const int32_t answer = calibration.GetProperty(id, data);
+    if (answer != BR::kNotCalibrationProperty) return answer;
     switch (id) {
         case kPropertyEnvelopeRows: {
             if (!data) return BR::kErrInvalidProperty;
@@ -493,38 +490,24 @@ int32_t BrelCorvane::GetProperty(uint32_t id, void* data) {
             std::memcpy(data, rows, sizeof rows);
             return BR::kNoErr;
         }
-        case BR::kPropertyCalibrationTable:
-            return BR::PutProperty(data, static_cast<BR::CalibrationPoint*>(calibration.notes));
-        case BR::kPropertyCalibrationValid:
-            return BR::PutProperty(data, static_cast<uint8_t*>(calibration.valid));
-        case BR::kPropertyCalibrationCount:
-            return BR::PutProperty(data, int32_t(BR::kCalibrationEntries));
         case kPropertyPolyPlace:
             // The place as of this instance's last block or sub-block start, as its render path sees it.
             if (mode == kModeMaster) return BR::PutProperty(data, int32_t(-1));
             return BR::PutProperty(data, polyMode == kPolyVoice ? voiceId : int32_t(0));
-        case BR::kPropertyCalibrationTime:
-            return BR::PutProperty(data, int64_t(calibrationTime));
-        case BR::kPropertyCalibrationName:
-            return BR::PutProperty(data, calibrationName.c_str());
         default:
             return BrelCorvaneBase::GetProperty(id, data);
     }
 }
 
 int32_t BrelCorvane::GetPropertyInfo(uint32_t id, uint32_t* size, bool* writable) {
+    const int32_t answer = calibration.GetPropertyInfo(id, size, writable);
+    if (answer != BR::kNotCalibrationProperty) return answer;
     uint32_t bytes = 0;
     bool canWrite = false;
     switch (id) {
         case kPropertyEnvelopeRows:
             bytes = 16;
             break;
-        case BR::kPropertyCalibrationTable:
-        case BR::kPropertyCalibrationValid:
-        case BR::kPropertyCalibrationTime:
-            bytes = 8;
-            break;
-        case BR::kPropertyCalibrationCount:
         case kPropertyPolyPlace:
             bytes = 4;
             break;
@@ -534,10 +517,6 @@ int32_t BrelCorvane::GetPropertyInfo(uint32_t id, uint32_t* size, bool* writable
         case BR::kPropertyCalibrateHertzPerVolt:
         case kPropertyDontPanic:
             bytes = 1;
-            canWrite = true;
-            break;
-        case BR::kPropertyCalibrationName:
-            bytes = uint32_t(calibrationName.size() + 1);
             canWrite = true;
             break;
         default:
@@ -558,26 +537,19 @@ int32_t BrelCorvane::SetProperty(uint32_t id, const void* data, uint32_t size) {
             // Acts on the audio thread, in HandleQueuedMessage.
             toAudioQueue.Write(id);
             return BR::kNoErr;
-        case BR::kPropertyCalibrationName: {
-            if (!data) return BR::kErrInvalidProperty;
-            const char* text = static_cast<const char*>(data);
-            calibrationName.assign(text, strnlen(text, size));
-            calibrationTime = std::max<int64_t>(1, int64_t(std::time(nullptr)));
-            return BR::kNoErr;
-        }
+        case BR::kPropertyCalibrationName:
+            return calibration.SetProperty(id, data, size);
         default:
             return BrelCorvaneBase::SetProperty(id, data, size);
     }
 }
 
 void BrelCorvane::SaveExtraChunks(BR::StateChunkStore& store) {
-    const std::vector<uint8_t> data = calibration.SaveChunk();
-    store.Add(kTagCalibration, data.data(), uint32_t(data.size()));
+    calibration.SaveTable(store);  // the name is not kept
 }
 
 void BrelCorvane::LoadExtraChunks(const BR::StateChunkStore& store) {
-    BR::StateChunkStore::Blob blob;
-    if (store.Find(kTagCalibration, blob)) calibration.LoadChunk(blob.data, blob.length);
+    calibration.LoadTable(store);
 }
 
 BrelCorvaneBase* Create() {

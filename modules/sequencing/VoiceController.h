@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Calibration.h"
+#include "CalibrationProperties.h"
 #include "Envelope.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/Smoothing.h"
@@ -133,8 +134,8 @@ public:
     const EventBatch& Batch(int32_t index) const { return batches[index & (kRingSize - 1)]; }
     const VoiceEvent& RingEvent(int32_t index) const { return eventRing[index & (kRingSize - 1)]; }
     const BR::Envelope& GetEnvelope(int32_t e) const { return envelopes[e]; }
-    BR::CalibrationTable& Calibration() { return calibration; }
-    const std::string& CalibrationName() const { return calibrationName; }
+    BR::CalibrationTable& Calibration() { return calibration.table; }
+    const std::string& CalibrationName() const { return calibration.name; }
     int32_t GetMode() const { return mode; }
     int32_t VoiceNote(int32_t voice) const { return voiceNote[voice]; }
     int32_t HeldNote(int32_t note) const { return heldNotes[note]; }
@@ -272,10 +273,8 @@ private:
     uint32_t maxBlockSize = BR::kDefaultMaxBlockSize;
 
     // Calibration.
-    BR::CalibrationTable calibration;
+    BR::CalibrationProperties calibration{true};  // the table, its name and the time it got it
     BR::CalibrationMeasurement measurement;
-    std::string calibrationName;
-    int64_t calibrationTime = 0;
     VoiceControllerStatus* display = nullptr;
 };
 

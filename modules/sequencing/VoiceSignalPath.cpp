@@ -156,7 +156,7 @@ void BrelCorvane::Measure(float** inputs, float** outputs, uint32_t frames) {
     uint32_t done = 0;
     while (done < frames) {
         if (measurement.Finishing()) {
-            measurement.Finish(calibration);
+            measurement.Finish(calibration.table);
             mode = kModeNormal;
             display->mode = mode;
             SetPropertyAndNotify(BR::kPropertyCalibrationName, "<>", 3);
@@ -164,7 +164,7 @@ void BrelCorvane::Measure(float** inputs, float** outputs, uint32_t frames) {
             return;
         }
         const float level = measurement.Level();
-        const uint32_t n = measurement.Pass(inputs[0] + done, frames - done, calibration, sampleRate);
+        const uint32_t n = measurement.Pass(inputs[0] + done, frames - done, calibration.table, sampleRate);
         if (n == 0) break;
         RenderMeasureLevel(outputs, done, n, level);
         done += n;

@@ -62,6 +62,8 @@ cindercombiner  | signal | -                                                    
 cvinput         | signal | -                                                                       | Scale L=2, Smoothing L=-3, Scale R=-1.5, Smoothing R=2
 # The audio passes through (the MIDI it makes leaves through its own device, none here)
 cvtomidi        | signal | -                                                                       | Enable CC L=1, Enable Note R=1
+# The audio passes through (its values would leave as OSC, with the channels off none do)
+cvtoosc         | signal | -                                                                       | Threshold L=0.5
 dc              | signal | -                                                                       | Output Positive L=0.3, Multiplier L=-1.5, Input Add L=1, Output Symmetric R=-0.45, Multiplier R=1.5, Input Multiply R=0.5
 # The Dunmore stream cannot be compared here: its cycle of 24 samples does not divide a JACK period,
 # and jalv runs it for an unknown time before recording. So its lane is "Target Channel" "6" of an
@@ -79,6 +81,8 @@ lfo             | signal | -                                                    
 quantizer       | signal | -                                                                       | Enable L=1, Steps L=8, Offset L=25, Enable R=1, Steps R=24, Transpose R=3
 # Inputs 2 and 1 woven into output 1, 3 and 4 into output 2
 smux            | signal | -                                                                       | Flip L=1
+# No touch arrives: only the offsets reach the outputs
+soundplane      | -      | -                                                                       | Output 1 Offset=0.5, Output 3 Offset=-0.25, Output 6 Offset=0.75
 # Steps on the transport (by default), R interpolated, inputs 1 and 4 added
 steplfo         | signal | -                                                                       | Step 1 L=0.5, Step 2 L=-0.25, Step 5 L=1, Step 6 L=-0.75, Step 2 R=0.8, Step 4 R=-0.6, Interpolation R=1, Signal Input R=4
 # A 24 PPQN clock from the transport, a run pulse at its start
@@ -95,6 +99,9 @@ PLAYED=48000
 # measurements; from the second rising crossing of the input on it is locked to the crossings and
 # must match sample for sample (its envelope would only converge, so the row leaves it out).
 declare -A COMPARE_FROM=([follower]=4096)
+# Modules whose outputs nothing jalv sends can move, compared as steady values: Soundplane follows
+# touches that arrive only over OSC.
+declare -A STEADY=([soundplane]=1)
 
 DC_SETTINGS=(-c output_positive_l=0.3 -c multiplier_l=-1.5 -c output_symmetric_r=-0.45 -c multiplier_r=1.5)
 DC_RENDER=(--set "Output Positive L=0.3" --set "Multiplier L=-1.5" --set "Output Symmetric R=-0.45" --set "Multiplier R=1.5")
@@ -184,7 +191,9 @@ while IFS=$'\t' read -r stem inputs outputs; do
     events=$(field "$row" 2)
     if [ "$events" != - ]; then for e in $events; do given+=(--event "$e"); done; fi
     render "$stem" --block 256 --tempo 90 --frames $PLAYED "${given[@]}" "${RENDER_SET[@]}" --out "$WORK/$stem-ref.wav"
-    "$TOOL" expect-varying "$WORK/$stem-ref.wav" || fail "$stem: the reference does not move"
+    if [ -z "${STEADY[$stem]:-}" ]; then
+        "$TOOL" expect-varying "$WORK/$stem-ref.wav" || fail "$stem: the reference does not move"
+    fi
     "$TOOL" compare "$WORK/$stem.wav" "$WORK/$stem-ref.wav" --from "${COMPARE_FROM[$stem]:-0}" \
         || fail "$stem in jalv differs from corvane render"
 done < <(built_modules)

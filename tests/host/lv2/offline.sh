@@ -39,6 +39,8 @@ cindercombiner  | varies | 4096 16384     | Filter 1=1, Offset 2=0.5, SMUX Proof
 cvinput         | varies | 4096 16384     | Mode L=2, Mode R=0, Bipolar R=1, Scale R=-1.5, Smoothing R=2
 # The audio passes through (the MIDI it makes leaves through its own device, none here)
 cvtomidi        | varies | 4096 16384     | Enable CC L=1, Enable Note R=1
+# The audio passes through (its values would leave as OSC, with the channels off none do)
+cvtoosc         | varies | 4096 16384     | Threshold L=0.5, Max Rate R=10
 dc              | varies | 4096 16384     | Output Positive L=0.25, Multiplier L=-1.5, Input Add L=0.5, Output Symmetric R=-0.75, Input Multiply R=0.5, Smoothing R=-20, Smoothing L=5
 Function        | varies | 4096 16384     | Enable L=1, Function L=1, Input Scale L=1.5, Output Offset L=0.1, Enable R=1, Function R=3, Input Offset R=-0.2
 # Eight inputs (inputs 9 and 10 silent) as a Dunmore lane on "Basalt" byte 1, adaptive, two filtered.
@@ -56,6 +58,8 @@ quantizer       | varies | 4096 16384     | Enable L=1, Steps L=8, Offset L=25, 
 # Inputs 1 and 2 woven into output 1, 4 and 3 into output 2
 smux            | varies | 4096 16384     | Flip R=1
 # Free-running steps, R interpolated, with input 3 added
+# No touch arrives: the offsets, and output 2 slewing from 0 to its offset
+soundplane      | steady | 4096 16384     | Output 1 Offset=0.5, Output 2 Offset=-0.25, Output 2 Smoothing=20, Output 6 Offset=0.75
 steplfo         | varies | 4096 16384     | Sync L=0, Speed L=7, Step 1 L=0.5, Step 2 L=-0.25, Step 5 L=1, Step 9 L=-0.75, Sync R=0, Speed R=2, Interpolation R=1, Step 3 R=0.8, Step 10 R=-0.6, Signal Input R=3
 # No transport, no clock: the inputs pass through onto the clock and run levels
 sync            | varies | 4096 16384     | Clock Low=0.25, Run Low=-0.5

@@ -1,0 +1,62 @@
+// Soundplane rendered through RenderAudio: one touch through the default matrix onto six outputs, two
+// of them smoothed (a slew and a one-pole), against a plain loop that fills six outputs with their
+// values and smooths the same two.
+#include <cmath>
+
+#include "BenchSupport.h"
+#include "framework/SharedState.h"
+#include "framework/Smoothing.h"
+
+namespace {
+
+constexpr uint32_t kBlock = 256;
+
+void BM_SoundplaneRender(benchmark::State& state) {
+    BR::Bench::ModuleRig rig("soundplane", kBlock);
+    rig.driver->SetParameterByName("Output 1 Smoothing", 5.0f);
+    rig.driver->SetParameterByName("Output 5 Smoothing", -5.0f);
+    BR::TouchEntry& touch = BR::touchTable[0];
+    uint32_t n = 0;
+    for (auto _ : state) {
+        // The touch moves every block, as frames arrive.
+        touch.values[BR::kTouchX].store(float(n % 7) * 0.1f, std::memory_order_relaxed);
+        touch.values[BR::kTouchZ].store(float(n % 3) * 0.25f, std::memory_order_relaxed);
+        touch.values[BR::kTouchNote].store(float(40 + n % 30), std::memory_order_relaxed);
+        touch.active.store(n % 3 != 0, std::memory_order_relaxed);
+        ++n;
+        rig.Render();
+        benchmark::DoNotOptimize(rig.out[0].data());
+        benchmark::ClobberMemory();
+    }
+    BR::Bench::CountFrames(state, kBlock);
+}
+
+void BM_PlainLoop(benchmark::State& state) {
+    std::vector<std::vector<float>> out(6, std::vector<float>(kBlock));
+    BR::OutputSmoother slew, onePole;
+    slew.Configure(5.0f, 48000.0f);
+    onePole.Configure(-5.0f, 48000.0f);
+    uint32_t n = 0;
+    for (auto _ : state) {
+        const float values[6] = {float(40 + n % 30) / 128.0f, float(n % 3 != 0),
+                                 float(n % 7) * 0.1f,         0.0f,
+                                 float(n % 3) * 0.25f,        0.0f};
+        ++n;
+        for (int k = 0; k < 6; ++k)
+            std::fill(out[size_t(k)].begin(), out[size_t(k)].end(), values[k]);
+        slew.Process(out[0].data(), int(kBlock));
+        onePole.Process(out[4].data(), int(kBlock));
+        benchmark::DoNotOptimize(out[0].data());
+        benchmark::ClobberMemory();
+    }
+    BR::Bench::CountFrames(state, kBlock);
+}
+
+BENCHMARK(BM_SoundplaneRender);
+BENCHMARK(BM_PlainLoop);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return BR::Bench::RunWithRatios(argc, argv, {{"BM_SoundplaneRender", "BM_PlainLoop"}});
+}

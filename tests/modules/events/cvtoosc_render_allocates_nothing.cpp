@@ -1,0 +1,49 @@
+// Rendering CV To OSC while both channels post values that the sender thread sends over UDP performs
+// no heap allocation on the audio thread, and the listener gets each value posted.
+#include <gtest/gtest.h>
+
+#include "CVToOSCRig.h"
+#include "tests/support/AllocationCounter.h"
+
+using namespace BR::Test;
+
+TEST(CVToOSCRealtime, RenderAllocatesNothing) {
+    OSCListener listener(17808);
+    ASSERT_TRUE(listener.Bound());
+    CVToOSCRig rig;
+    rig.Target(17808);
+    rig.Set("Enable L", 1);
+    rig.Set("Enable R", 1);
+    rig.Set("Max Rate R", 100);
+    const uint32_t block = 256;
+    std::vector<float> l(block), r(block), outL(block), outR(block);
+    float* outputs[2] = {outL.data(), outR.data()};
+    const float* inputs[2] = {l.data(), r.data()};
+    rig.driver->Process(inputs, outputs, block, nullptr, 0);
+    // Read while the render runs, so that the socket's buffer never drops a packet.
+    std::vector<std::string> received;
+    std::thread reader([&] { received = listener.ReceiveAll(1000); });
+    int posted = 0;
+    {
+        AllocationScope scope;
+        for (int b = 0; b < 200; ++b) {
+            for (uint32_t i = 0; i < block; ++i) {
+                l[i] = float((b * 37 + int(i)) % 100) / 50.0f - 1.0f;
+                r[i] = -l[i];
+            }
+            const int32_t w = rig.Sender().WriteIndex();
+            rig.driver->Process(inputs, outputs, block, nullptr, 0);
+            posted += (rig.Sender().WriteIndex() - w + 64) % 64;
+            // Paced like a host, so that the thread keeps the ring from filling.
+            if (b % 8 == 7) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        EXPECT_EQ(scope.Count(), 0u);
+    }
+    EXPECT_EQ(outL, l);
+    EXPECT_EQ(outR, r);
+    EXPECT_GT(posted, 200);
+    EXPECT_EQ(rig.Sender().Overflows(), 0u);
+    ASSERT_TRUE(rig.Drained());
+    reader.join();
+    EXPECT_EQ(int(received.size()), posted);
+}
