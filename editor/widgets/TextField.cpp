@@ -8,8 +8,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "editor/GuiFont.h"
+#include "editor/dialogs/Dialogs.h"
 #include "framework/BrelCorvaneBase.h"
 
 namespace BR {
@@ -160,23 +162,25 @@ PropertyTextField::PropertyTextField(Manager* manager, uint32_t property_)
 
 void PropertyTextField::Animate() {
     if (editing || !manager->module) return;
-    CountedText* read = nullptr;
-    if (manager->module->GetProperty(property, &read) == kNoErr && read) {
-        value = read->Get();
-        read->Release();
-    }
+    // String properties are read as a pointer to the module's characters, copied at once.
+    const char* read = nullptr;
+    if (manager->module->GetProperty(property, &read) == kNoErr && read) value = read;
 }
 
 void PropertyTextField::MouseDown(Point, uint32_t, int32_t) {
-    if (editable) manager->SetFocusedElement(this);
+    if (!editable) return;
+    manager->SetFocusedElement(this);
+    // A click opens the Enter Property dialog, captioned with the field's tooltip.
+    manager->OpenDialog(std::make_unique<EnterPropertyDialog>(manager->module, property, tooltip,
+                                                              manager->designWidth, manager->designHeight));
 }
 
 bool PropertyTextField::KeyDown(int32_t character) {
     if (!editable) return false;
     if (character == 13 || character == 3) {
-        CountedText* written = new CountedText(value);
-        if (manager->module) manager->module->SetProperty(property, &written, sizeof written);
-        written->Release();
+        // Written as the modules take strings: the characters with their terminator.
+        if (manager->module)
+            manager->module->SetProperty(property, value.c_str(), uint32_t(value.size() + 1));
         editing = false;
         return true;
     }
