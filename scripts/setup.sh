@@ -12,6 +12,7 @@ packages=(
     lv2file ardour lv2-examples mda-lv2
     xdotool imagemagick x11-utils
     liblilv-dev blop-lv2
+    libcairo2-dev
 )
 
 missing=()
