@@ -177,23 +177,7 @@ int LuaParamButton(lua_State* L) {
     return 1;
 }
 
-// midiBrowseButton( label, tooltip, property, x, y, w, h ): opens the MIDI Browser for that property.
-int LuaMIDIBrowseButton(lua_State* L) {
-    auto& gui = static_cast<PluginLuaGui&>(*LuaGui::FromState(L));
-    const char* label = luaL_checkstring(L, 1);
-    const char* tooltip = luaL_optstring(L, 2, "");
-    const uint32_t property = uint32_t(luaL_checknumber(L, 3));
-    PluginLuaGui* owner = &gui;
-    Place(L,
-          new MIDIBrowseButton(gui.manager, label, tooltip,
-                               [owner, property] { owner->OpenMIDIBrowser(property); }),
-          float(luaL_checknumber(L, 4)), float(luaL_checknumber(L, 5)), float(luaL_checknumber(L, 6)),
-          float(luaL_checknumber(L, 7)), "BRgui.Element");
-    return 1;
-}
-
-const luaL_Reg kPluginGlobals[] = {{"midiBrowseButton", LuaMIDIBrowseButton},
-                                   {"texture", LuaTexture},
+const luaL_Reg kPluginGlobals[] = {{"texture", LuaTexture},
                                    {"font", LuaFont},
                                    {"setBackgroundTexture", LuaSetBackgroundTexture},
                                    {"arcKnobRenderer", LuaArcKnobRenderer},
@@ -205,6 +189,7 @@ const luaL_Reg kPluginGlobals[] = {{"midiBrowseButton", LuaMIDIBrowseButton},
 }  // namespace
 
 void RegisterLuaGuiFunctions(lua_State* L);
+void RegisterDisplayFunctions(lua_State* L);
 
 PluginLuaGui::PluginLuaGui(BrelCorvaneBase* module) : LuaGui(module) {}
 
@@ -226,6 +211,7 @@ void PluginLuaGui::RegisterFunctions(lua_State* L) {
     lua_pop(L, 2);
     for (const char* name : kPluginMetatables)
         MakeMetatable(L, name, nullptr, true);
+    RegisterDisplayFunctions(L);
 }
 
 void PluginLuaGui::AddElementMetatableNames() {

@@ -50,6 +50,8 @@ public:
     std::vector<int32_t> pressedActions;
     // The device names the open MIDI Browser lists; empty while none is open.
     std::vector<std::string> midiDeviceNames;
+    // The properties whose MIDI browser a midiBrowseButton asked for.
+    std::vector<uint32_t> midiBrowseRequests;
 
     void* callbackForMidiBrowse = nullptr;
     BrelCorvaneView* view = nullptr;

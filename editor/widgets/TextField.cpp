@@ -162,9 +162,11 @@ PropertyTextField::PropertyTextField(Manager* manager, uint32_t property_)
 
 void PropertyTextField::Animate() {
     if (editing || !manager->module) return;
-    // String properties are read as a pointer to the module's characters, copied at once.
+    // A text property reads as the address of the module's terminated string; it is read with a bound,
+    // since another thread may be rewriting it (a garbled frame is accepted).
     const char* read = nullptr;
-    if (manager->module->GetProperty(property, &read) == kNoErr && read) value = read;
+    if (manager->module->GetProperty(property, &read) == kNoErr && read)
+        value.assign(read, strnlen(read, 1024));
 }
 
 void PropertyTextField::MouseDown(Point, uint32_t, int32_t) {
@@ -178,7 +180,7 @@ void PropertyTextField::MouseDown(Point, uint32_t, int32_t) {
 bool PropertyTextField::KeyDown(int32_t character) {
     if (!editable) return false;
     if (character == 13 || character == 3) {
-        // Written as the modules take strings: the characters with their terminator.
+        // Written as the characters with their terminator.
         if (manager->module)
             manager->module->SetProperty(property, value.c_str(), uint32_t(value.size() + 1));
         editing = false;
