@@ -126,8 +126,8 @@ int LuaMidiBrowseButton(lua_State* L) {
     const auto property = uint32_t(luaL_checknumber(L, 3));
     PluginLuaGui* owner = &gui;
     auto* button = new MIDIBrowseButton(gui.manager, label, tooltip, [owner, property] {
-        // The browser dialog belongs to the window; until it is there the request is kept.
         owner->midiBrowseRequests.push_back(property);
+        owner->OpenMIDIBrowser(property);
     });
     return Push(L, button, Num(L, 4), Num(L, 5), Num(L, 6), Num(L, 7), "BRgui.Element");
 }

@@ -193,6 +193,7 @@ int LuaTextField(lua_State* L) {
 int LuaPropertyTextField(lua_State* L) {
     LuaGui& gui = Gui(L);
     auto* field = new PropertyTextField(gui.manager, uint32_t(luaL_checknumber(L, 1)));
+    field->tooltip = luaL_optstring(L, 2, "");
     field->SetRect(Num(L, 3), Num(L, 4), Num(L, 5), Num(L, 6));
     gui.manager->rootGroup->Add(field);
     LuaGui::PushElement(L, field, "BRgui.PropertyTextFied");

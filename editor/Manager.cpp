@@ -9,6 +9,7 @@
 #include "GuiFont.h"
 #include "GuiTexture.h"
 #include "framework/ActiveParameter.h"
+#include "dialogs/Dialog.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/PreferenceStore.h"
 #include "widgets/Group.h"
@@ -55,6 +56,8 @@ Manager::Manager(BrelCorvaneBase* module_) : module(module_) {
 
 Manager::~Manager() {
     DestroyRenderTask();
+    dialog.reset();
+    nextDialog.reset();
     // Elements remove themselves from the list as they go.
     while (!elements.empty())
         delete elements.back();
@@ -188,6 +191,36 @@ void Manager::GetParameterTexts(int32_t parameter, std::string& name, std::strin
     module->GetParameterValueText(parameter, text);
     value = text;
     unit = UnitText(info.unit);
+}
+
+void Manager::OpenDialog(std::unique_ptr<Dialog> opened) {
+    if (inDialogInput) {
+        // The dialog handling input now goes first; this one shows when it closes.
+        nextDialog = std::move(opened);
+        return;
+    }
+    std::unique_ptr<Dialog> replaced;
+    {
+        std::lock_guard<std::mutex> lock(dialogLock);
+        replaced = std::move(dialog);
+        dialog = std::move(opened);
+    }
+}
+
+bool Manager::WithDialog(const std::function<void(Dialog&)>& action) {
+    std::unique_ptr<Dialog> finished;
+    {
+        std::lock_guard<std::mutex> lock(dialogLock);
+        if (!dialog) return false;
+        inDialogInput = true;
+        action(*dialog);
+        inDialogInput = false;
+        if (dialog->Closed()) {
+            finished = std::move(dialog);
+            dialog = std::move(nextDialog);
+        }
+    }
+    return true;
 }
 
 Point Manager::ConvertPoint(Point p) const {

@@ -4,8 +4,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,6 +22,7 @@ class BrelCorvaneView;
 
 namespace BR {
 
+class Dialog;
 class GuiFont;
 class GuiTexture;
 
@@ -88,6 +91,15 @@ public:
     void MouseWheel(Point point, float lines, uint32_t modifiers);
     bool KeyDown(int32_t character);
     void FocusLost() { SetFocusedElement(nullptr); }
+
+    // Window thread: shows a modal dialog over the panel; until it closes, pointer and keys go to it
+    // alone. One opened while another handles input (a message box after a failed file) follows it.
+    void OpenDialog(std::unique_ptr<Dialog> dialog);
+    // Window thread: the dialog showing, or null.
+    Dialog* ActiveDialog() const { return dialog.get(); }
+    // Window thread: runs `action` on the showing dialog under the dialog lock, then retires it if it
+    // closed. False when no dialog shows.
+    bool WithDialog(const std::function<void(Dialog&)>& action);
     void SetFocusedElement(UIElement* element);
 
     void BeginParameterEdit(int32_t parameter);
@@ -186,6 +198,12 @@ public:
     bool glReady = false;
     bool haveFramebuffers = false;
     bool haveShaders = false;
+    // The modal dialog: swapped and changed by the window thread, drawn by the render thread, both
+    // under `dialogLock`.
+    std::mutex dialogLock;
+    std::unique_ptr<Dialog> dialog;
+    std::unique_ptr<Dialog> nextDialog;
+    bool inDialogInput = false;
     // Set true by the render thread when it has finished; for the orderly stop.
     std::atomic<bool> renderThreadDone{false};
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "Manager.h"
+#include "dialogs/Dialog.h"
 #include "widgets/Group.h"
 
 namespace BR {
@@ -21,6 +22,7 @@ Box PanelBounds(UIElement* element) {
 }  // namespace
 
 void Manager::MouseMoved(Point point) {
+    if (dialog) return;  // the panel under a modal dialog sees no pointer
     gHoverPass = true;
     const Point p = ConvertPoint(point);
     UIElement* hit = rootGroup->HitTest(p);
@@ -44,6 +46,8 @@ void Manager::MouseMoved(Point point) {
 }
 
 void Manager::MouseDown(Point point, uint32_t modifiers, int32_t clickCount, bool isRightButton) {
+    const Point panelPoint = ConvertPoint(point);
+    if (WithDialog([&](Dialog& d) { d.MouseDown(panelPoint, clickCount); })) return;
     if (focusedElement) {
         UIElement* focused = focusedElement;
         focusedElement = nullptr;
@@ -82,6 +86,7 @@ void Manager::MouseDown(Point point, uint32_t modifiers, int32_t clickCount, boo
 }
 
 void Manager::MouseDragged(Point point, uint32_t modifiers) {
+    if (dialog) return;
     if (resizing) {
         const float dx = point.x - resizeStartX;
         const float dy = (float(windowHeight) - point.y) - resizeStartY;
@@ -136,6 +141,8 @@ void Manager::MouseUp(Point point, uint32_t modifiers) {
 }
 
 void Manager::MouseWheel(Point point, float lines, uint32_t modifiers) {
+    const Point panelPoint = ConvertPoint(point);
+    if (WithDialog([&](Dialog& d) { d.MouseWheel(panelPoint, lines); })) return;
     // Each notch acts as a 10-pixel drag upwards on the control under the pointer.
     MouseDown(point, modifiers, 1, false);
     if (resizing) {
@@ -147,6 +154,8 @@ void Manager::MouseWheel(Point point, float lines, uint32_t modifiers) {
 }
 
 bool Manager::KeyDown(int32_t character) {
+    bool taken = false;
+    if (WithDialog([&](Dialog& d) { taken = d.KeyDown(character); })) return taken;
     return focusedElement ? focusedElement->KeyDown(character) : false;
 }
 

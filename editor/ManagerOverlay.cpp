@@ -6,6 +6,7 @@
 
 #include "GuiFont.h"
 #include "Manager.h"
+#include "dialogs/Dialog.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/InstanceRegistry.h"
 #include "widgets/Group.h"
@@ -65,6 +66,10 @@ void Manager::DrawOverlay2D() {
         effect->Draw();
     if (overlayElement) rootGroup->DrawOverlay();
     DrawTooltip();
+    {
+        std::lock_guard<std::mutex> lock(dialogLock);
+        if (dialog) dialog->Draw(mainFont, designWidth, designHeight);
+    }
     glDisable(GL_BLEND);
 }
 

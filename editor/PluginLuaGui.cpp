@@ -1,12 +1,16 @@
 // Knobs, sliders, buttons and drop-downs made for the scripts, the renderers, and the button actions.
 #include "PluginLuaGui.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <lua5.1/lua.hpp>
+#include <memory>
 
 #include "GuiTexture.h"
 #include "ZPmanager.h"
+#include "dialogs/Dialogs.h"
 #include "framework/BrelCorvaneBase.h"
+#include "modules/sequencing/CalibrationFile.h"
 #include "widgets/ArcKnobRenderer.h"
 #include "widgets/Button.h"
 #include "widgets/DropDown.h"
@@ -25,9 +29,58 @@ const char* kPluginMetatables[] = {
     "BRgui.FollowerEnvDisplay", "BRgui.FollowerPitchDisplay", "BRgui.StepEditor",
     "BRgui.FunctionDisplay",    "BRgui.RandomRegister",       "BRgui.DACEditor"};
 
-// The action a file or dialog button takes is recorded; its dialog belongs to the window's dialogs.
+// Each action of the button lookup table is recorded, then taken.
 void RecordAction(LuaGui* gui, int32_t id) {
     static_cast<PluginLuaGui*>(gui)->pressedActions.push_back(id);
+}
+
+void OpenPreferences(LuaGui* gui) {
+    RecordAction(gui, kActionPrefs);
+    Manager& m = *gui->manager;
+    m.OpenDialog(std::make_unique<PreferencesDialog>(gui->module ? gui->module->GetProductName() : "Corvane",
+                                                     m.designWidth, m.designHeight));
+}
+
+// The folder a calibration file dialog opens in: the last one used in this process, else the home folder.
+std::string& CalibrationFolder() {
+    static std::string folder = std::getenv("HOME") ? std::getenv("HOME") : "/";
+    return folder;
+}
+
+// A calibration file dialog whose choice runs `act`; an error text from it shows "Could not save file"
+// or "Could not load file" in a box titled "Error".
+void OpenCalibrationFile(LuaGui* gui, int32_t id, FileDialog::Mode mode,
+                         std::string (*act)(BrelCorvaneBase&, const std::string&)) {
+    RecordAction(gui, id);
+    Manager* m = gui->manager;
+    BrelCorvaneBase* module = gui->module;
+    const char* failure = mode == FileDialog::kSave ? "Could not save file" : "Could not load file";
+    auto chosen = [m, module, act, failure](const std::string& path) {
+        CalibrationFolder() = path.substr(0, path.find_last_of('/') + 1);
+        const std::string error = module ? act(*module, path) : std::string("no module");
+        if (error.empty()) return true;
+        std::fprintf(stderr, "%s: %s\n", failure, error.c_str());
+        m->OpenDialog(std::make_unique<MessageBoxDialog>(kCalibrationErrorTitle, failure, m->designWidth,
+                                                         m->designHeight));
+        return false;
+    };
+    m->OpenDialog(std::make_unique<FileDialog>(mode, mode == FileDialog::kSave ? "" : kCalibrationOpenTitle,
+                                               kCalibrationFileFilter, kCalibrationFileExtension,
+                                               CalibrationFolder(), chosen, m->designWidth, m->designHeight));
+}
+
+void SaveCalibration(LuaGui* gui) {
+    OpenCalibrationFile(gui, kActionVCSave, FileDialog::kSave, SaveModuleCalibration);
+}
+void LoadCalibration(LuaGui* gui) {
+    OpenCalibrationFile(gui, kActionVCLoad, FileDialog::kOpen, LoadModuleCalibration);
+}
+void LoadQuantizer(LuaGui* gui) {
+    OpenCalibrationFile(gui, kActionQuantizerLoad, FileDialog::kOpen, LoadQuantizerCalibration);
+}
+void Transfer(LuaGui* gui) {
+    RecordAction(gui, kActionTransfer);
+    if (gui->module) TransferCalibration(*gui->module);
 }
 
 Effect* CheckRenderer(lua_State* L, int index, const char* metatable, const char* message) {
@@ -169,16 +222,21 @@ void PluginLuaGui::AddElementMetatableNames() {
 void PluginLuaGui::Init(Manager* manager_) {
     manager = manager_;
     if (!buttonLookup) {
-        buttonLookup = new std::map<std::string, ButtonAction>{
-            {"Prefs", {[](LuaGui* gui) { RecordAction(gui, -2); }, -2}},
-            {"VCSave", {[](LuaGui* gui) { RecordAction(gui, -3); }, -3}},
-            {"VCLoad", {[](LuaGui* gui) { RecordAction(gui, -4); }, -4}},
-            {"QuantizerLoad", {[](LuaGui* gui) { RecordAction(gui, -5); }, -5}},
-            {"Transfer", {[](LuaGui* gui) { RecordAction(gui, -6); }, -6}}};
+        buttonLookup =
+            new std::map<std::string, ButtonAction>{{"Prefs", {OpenPreferences, kActionPrefs}},
+                                                    {"VCSave", {SaveCalibration, kActionVCSave}},
+                                                    {"VCLoad", {LoadCalibration, kActionVCLoad}},
+                                                    {"QuantizerLoad", {LoadQuantizer, kActionQuantizerLoad}},
+                                                    {"Transfer", {Transfer, kActionTransfer}}};
     }
     lua_State* L = GetLuaState();
     lua_pushlightuserdata(L, buttonLookup);
     lua_setfield(L, LUA_REGISTRYINDEX, "BRgui::kButtonLookup");
+}
+
+void PluginLuaGui::OpenMIDIBrowser(uint32_t property) {
+    manager->OpenDialog(std::make_unique<MIDIBrowserDialog>(module, property, midiDeviceNames,
+                                                            manager->designWidth, manager->designHeight));
 }
 
 void PluginLuaGui::OpenPanel(Manager* manager_) {

@@ -4,12 +4,22 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "LuaGui.h"
 
 class BrelCorvaneView;
 
 namespace BR {
+
+// Ids of the button lookup table's actions; also their status-line message ids.
+enum ButtonActionId : int32_t {
+    kActionPrefs = -2,
+    kActionVCSave = -3,
+    kActionVCLoad = -4,
+    kActionQuantizerLoad = -5,
+    kActionTransfer = -6,
+};
 
 class PluginLuaGui : public LuaGui {
 public:
@@ -34,8 +44,12 @@ public:
 
     // The whole opening of a panel: Init, size, createUI, fonts.
     void OpenPanel(Manager* manager);
-    // The action ids pressed so far, for the file and dialog buttons whose dialogs come later.
+    // Window thread: the MIDI Browser for a string property (a MIDI target).
+    void OpenMIDIBrowser(uint32_t property);
+    // The action ids pressed so far.
     std::vector<int32_t> pressedActions;
+    // The device names the open MIDI Browser lists; empty while none is open.
+    std::vector<std::string> midiDeviceNames;
     // The properties whose MIDI browser a midiBrowseButton asked for.
     std::vector<uint32_t> midiBrowseRequests;
 

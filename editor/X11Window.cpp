@@ -309,22 +309,29 @@ void X11Window::HandleEvent(XEvent& event) {
                 if (!buttonsDown) m->MouseWheel(p, event.xbutton.button == Button4 ? 1.0f : -1.0f, modifiers);
                 break;
             }
-            if (event.xbutton.button != Button1 && event.xbutton.button != Button3) break;
+            if (event.xbutton.button != Button1 && event.xbutton.button != Button2 &&
+                event.xbutton.button != Button3)
+                break;
+            // A second press of the same button, near in place and time, is a double click (count 2);
+            // a third starts over, as the window system's double-click message does.
             const bool near =
                 std::abs(event.xbutton.x - lastClickX) <= 4 && std::abs(event.xbutton.y - lastClickY) <= 4;
-            lastClickCount = near && event.xbutton.time - lastClickTime <= kDoubleClickMilliseconds
-                                 ? lastClickCount + 1
+            lastClickCount = near && lastClickCount == 1 && event.xbutton.button == lastClickButton &&
+                                     event.xbutton.time - lastClickTime <= kDoubleClickMilliseconds
+                                 ? 2
                                  : 1;
             lastClickTime = event.xbutton.time;
             lastClickX = event.xbutton.x;
             lastClickY = event.xbutton.y;
+            lastClickButton = event.xbutton.button;
+            // A press takes the keyboard, so that typing reaches the panel inside a host's window.
+            if (!buttonsDown) XSetInputFocus(display, window, RevertToParent, event.xbutton.time);
             ++buttonsDown;
             m->MouseDown(p, modifiers, lastClickCount, event.xbutton.button == Button3);
             break;
         }
         case ButtonRelease: {
-            if (!m || (event.xbutton.button != Button1 && event.xbutton.button != Button3) || !buttonsDown)
-                break;
+            if (!m || event.xbutton.button < Button1 || event.xbutton.button > Button3 || !buttonsDown) break;
             --buttonsDown;
             m->MouseUp(Point{float(event.xbutton.x), float(height - event.xbutton.y)},
                        MapModifiers(event.xbutton.state));

@@ -70,6 +70,7 @@ private:
     int buttonsDown = 0;
     unsigned long lastClickTime = 0;
     int lastClickX = -100, lastClickY = -100, lastClickCount = 0;
+    unsigned int lastClickButton = 0;
     std::string lastError;
     std::string clipboardText;
     unsigned long clipboardAtom = 0, utf8Atom = 0, targetsAtom = 0;

@@ -10,6 +10,7 @@ packages=(
     sordi serdi lilv-utils jalv jackd2 xvfb liblo-tools
     libxtst-dev libgl1-mesa-dri fonts-dejavu-core fonts-liberation
     lv2file ardour lv2-examples mda-lv2
+    xdotool imagemagick x11-utils
     liblilv-dev blop-lv2
     libcairo2-dev
 )

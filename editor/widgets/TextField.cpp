@@ -8,8 +8,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "editor/GuiFont.h"
+#include "editor/dialogs/Dialogs.h"
 #include "framework/BrelCorvaneBase.h"
 
 namespace BR {
@@ -168,7 +170,11 @@ void PropertyTextField::Animate() {
 }
 
 void PropertyTextField::MouseDown(Point, uint32_t, int32_t) {
-    if (editable) manager->SetFocusedElement(this);
+    if (!editable) return;
+    manager->SetFocusedElement(this);
+    // A click opens the Enter Property dialog, captioned with the field's tooltip.
+    manager->OpenDialog(std::make_unique<EnterPropertyDialog>(manager->module, property, tooltip,
+                                                              manager->designWidth, manager->designHeight));
 }
 
 bool PropertyTextField::KeyDown(int32_t character) {

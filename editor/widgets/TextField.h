@@ -56,6 +56,8 @@ public:
     void SetEditable(bool flag) { editable = flag; }
 
     uint32_t property;
+    // The caption of the Enter Property dialog; "Message:" when empty.
+    std::string tooltip;
     bool editable = true;
     bool editing = false;
     std::string value;

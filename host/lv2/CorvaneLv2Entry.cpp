@@ -1,6 +1,7 @@
-// The one symbol corvane.so exports: a descriptor for every module the build carries.
+// The two symbols corvane.so exports: a descriptor for every module the build carries, and the editor.
 #include "host/devices/MidiDevices.h"
 #include "host/lv2/Lv2Library.h"
+#include "host/lv2/Lv2Ui.h"
 #include "remote/RemoteServices.h"
 
 extern "C" LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor(uint32_t index) {
@@ -10,4 +11,8 @@ extern "C" LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor(uint32_t index
     (void)servicesInstalled;
     static const BR::Lv2Library library(BR::CorvaneBundleInfo());
     return library.Descriptor(index);
+}
+
+extern "C" LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index) {
+    return BR::CorvaneUiDescriptor(index);
 }

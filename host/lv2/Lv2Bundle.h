@@ -21,6 +21,7 @@ struct Lv2BundleInfo {
     std::string binary;       // file name of the shared object inside the bundle
     std::string projectName;  // doap:name of the project all plug-ins belong to
     std::vector<Lv2ModuleSource> modules;
+    std::string uiUri;  // the X11 editor every plug-in offers (in ui.ttl), or empty for none
 
     // The prefix without its closing ':'.
     std::string ProjectUri() const { return uriPrefix.substr(0, uriPrefix.size() - 1); }
@@ -31,12 +32,16 @@ struct Lv2BundleInfo {
 
 constexpr const char* kCorvaneUriPrefix = "urn:brelmont:corvane:";
 constexpr const char* kCorvaneBinary = "corvane.so";
+// One editor UI for every plug-in of corvane.lv2; the instance it reaches decides the panel.
+constexpr const char* kCorvaneUiUri = "urn:brelmont:corvane:ui";
 
 // Every module that modules/ModuleFactory.cpp builds, in catalogue order, as corvane.lv2 presents them.
 Lv2BundleInfo CorvaneBundleInfo();
 
 // manifest.ttl: each plug-in's URI, binary and data file (<stem>.ttl).
 std::string Lv2ManifestTurtle(const Lv2BundleInfo& bundle);
+// ui.ttl: the editor's type, binary, required and optional host features.
+std::string Lv2UiTurtle(const Lv2BundleInfo& bundle);
 // <stem>.ttl for one module.
 std::string Lv2PluginTurtle(const Lv2BundleInfo& bundle, const CatalogueEntry& entry,
                             const Lv2PortLayout& layout, const std::string& moduleName);

@@ -12,7 +12,7 @@
 namespace BR {
 
 Lv2BundleInfo CorvaneBundleInfo() {
-    Lv2BundleInfo bundle{kCorvaneUriPrefix, kCorvaneBinary, "Corvane", {}};
+    Lv2BundleInfo bundle{kCorvaneUriPrefix, kCorvaneBinary, "Corvane", {}, kCorvaneUiUri};
     for (int i = 0; i < kNumCatalogueEntries; ++i) {
         const CatalogueEntry& entry = CatalogueEntries()[i];
         if (ModuleFactoryFunction factory = FindModuleFactory(entry))
@@ -64,6 +64,7 @@ const char* kPrefixes =
     "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n"
     "@prefix state: <http://lv2plug.in/ns/ext/state#> .\n"
     "@prefix time: <http://lv2plug.in/ns/ext/time#> .\n"
+    "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n"
     "@prefix units: <http://lv2plug.in/ns/extensions/units#> .\n"
     "@prefix urid: <http://lv2plug.in/ns/ext/urid#> .\n"
     "@prefix work: <http://lv2plug.in/ns/ext/worker#> .\n\n";
@@ -165,8 +166,9 @@ std::string Lv2ManifestTurtle(const Lv2BundleInfo& bundle) {
     out << "@prefix doap: <http://usefulinc.com/ns/doap#> .\n";
     out << "@prefix foaf: <http://xmlns.com/foaf/0.1/> .\n";
     out << "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n";
-    out << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n\n";
-    out << "<" << bundle.ProjectUri() << ">\n";
+    out << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n";
+    if (!bundle.uiUri.empty()) out << "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n";
+    out << "\n<" << bundle.ProjectUri() << ">\n";
     out << "    a doap:Project ;\n";
     out << "    doap:name " << TurtleString(bundle.projectName) << " ;\n";
     out << "    doap:maintainer [ a foaf:Organization ; foaf:name " << TurtleString(kManufacturerName)
@@ -176,6 +178,12 @@ std::string Lv2ManifestTurtle(const Lv2BundleInfo& bundle) {
         out << "    a lv2:Plugin ;\n";
         out << "    lv2:binary <" << bundle.binary << "> ;\n";
         out << "    rdfs:seeAlso <" << source.entry->stem << ".ttl> .\n\n";
+    }
+    if (!bundle.uiUri.empty()) {
+        out << "<" << bundle.uiUri << ">\n";
+        out << "    a ui:X11UI ;\n";
+        out << "    ui:binary <" << bundle.binary << "> ;\n";
+        out << "    rdfs:seeAlso <ui.ttl> .\n";
     }
     return out.str();
 }
@@ -202,6 +210,7 @@ std::string Lv2PluginTurtle(const Lv2BundleInfo& bundle, const CatalogueEntry& e
     out << "    lv2:optionalFeature lv2:hardRTCapable , opts:options , work:schedule ;\n";
     out << "    opts:supportedOption bufsz:maxBlockLength ;\n";
     out << "    lv2:extensionData state:interface , work:interface ;\n";
+    if (!bundle.uiUri.empty()) out << "    ui:ui <" << bundle.uiUri << "> ;\n";
     if (!layout.groups.empty()) out << "    pg:mainOutput " << GroupUri(uri, layout.groups[0]) << " ;\n";
     for (size_t i = 0; i < layout.ports.size(); ++i) {
         const Lv2Port& port = layout.ports[i];
@@ -217,6 +226,21 @@ std::string Lv2PluginTurtle(const Lv2BundleInfo& bundle, const CatalogueEntry& e
         }
     }
     out << "    ] .\n";
+    return out.str();
+}
+
+std::string Lv2UiTurtle(const Lv2BundleInfo& bundle) {
+    // instance-access: the editor reads status blocks and tables of the module object itself.
+    std::ostringstream out;
+    out << "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n";
+    out << "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n\n";
+    out << "<" << bundle.uiUri << ">\n";
+    out << "    a ui:X11UI ;\n";
+    out << "    ui:binary <" << bundle.binary << "> ;\n";
+    out << "    lv2:requiredFeature ui:idleInterface , ui:parent , "
+           "<http://lv2plug.in/ns/ext/instance-access> ;\n";
+    out << "    lv2:optionalFeature ui:resize , ui:touch ;\n";
+    out << "    lv2:extensionData ui:idleInterface .\n";
     return out.str();
 }
 
@@ -247,6 +271,7 @@ bool WriteLv2BundleTurtle(const Lv2BundleInfo& bundle, const std::string& folder
                    Lv2PluginTurtle(bundle, *source.entry, layout, module->GetModuleName())))
             return false;
     }
+    if (!bundle.uiUri.empty() && !write("ui.ttl", Lv2UiTurtle(bundle))) return false;
     if (!write("manifest.ttl", Lv2ManifestTurtle(bundle))) return false;
     for (const fs::directory_entry& file : fs::directory_iterator(folder, ec))
         if (file.path().extension() == ".ttl" && !written.count(file.path().filename().string()))

@@ -60,7 +60,9 @@ TEST(Lv2SharedObject, BuiltTurtleIsWhatTheTablesGive) {
     size_t files = 0;
     for (const auto& file : std::filesystem::directory_iterator(folder))
         files += file.path().extension() == ".ttl";
-    EXPECT_EQ(files, bundle.modules.size() + 1);
+    // One per module, the manifest, and the editor UI's ui.ttl.
+    EXPECT_EQ(files, bundle.modules.size() + 2);
+    EXPECT_EQ(ReadFile(folder + "/ui.ttl"), BR::Lv2UiTurtle(bundle));
     // As the generator makes them: with the script host and its built-in scripts only (the Quantizer's
     // "Scale" rows follow the scale list), no user's preferences or scripts.
     BR::Test::ScopedEnvironment environment;

@@ -46,6 +46,15 @@ while IFS=$'\t' read -r stem inputs outputs; do
     [ "$controls" = $((rows + 1)) ] || fail "$stem: $controls control ports for $rows rows and Enabled"
     echo "$stem: $ins audio in, $outs audio out, $controls controls"
 done < <(built_modules)
+step "every plug-in offers the X11 editor UI of ui.ttl"
+while IFS=$'\t' read -r stem _; do
+    lv2info "urn:brelmont:corvane:$stem" | grep -A1 -x $'\t\turn:brelmont:corvane:ui' | grep -q 'ui#X11UI' \
+        || fail "$stem: lv2info shows no X11 UI urn:brelmont:corvane:ui"
+done < <(built_modules)
+grep -q "lv2:requiredFeature ui:idleInterface , ui:parent , <http://lv2plug.in/ns/ext/instance-access>" "$BUNDLE/ui.ttl" \
+    || fail "ui.ttl does not require the idle interface, the parent window and instance-access"
+echo "all $(built_modules | wc -l) plug-ins name urn:brelmont:corvane:ui, an X11 UI"
+
 step "scripts/install-lv2.sh puts the bundle where hosts find it"
 bash "$ROOT/scripts/install-lv2.sh" --build "$BUILD" --dest "$WORK/installed/lv2"
 bash "$ROOT/scripts/install-lv2.sh" --build "$BUILD" --dest "$WORK/installed/lv2" > /dev/null  # again, over it

@@ -136,7 +136,7 @@ const BR::CatalogueEntry& Entry() {
 
 BR::Lv2BundleInfo ProbeBundleInfo() {
     return BR::Lv2BundleInfo{
-        "urn:brelmont:corvane-test:", "corvane_probe.so", "Corvane host tests", {{&kEntry, &Create}}};
+        "urn:brelmont:corvane-test:", "corvane_probe.so", "Corvane host tests", {{&kEntry, &Create}}, ""};
 }
 
 }  // namespace BrelCorvaneHostProbe
