@@ -1,5 +1,6 @@
 // Step LFO rendered through RenderAudio: both lanes free with interpolation and the random register,
-// locked to a swung transport, and stepped by trigger edges; against a plain phase-accumulator loop.
+// locked to a swung transport, and stepped by trigger edges; against a plain phase-accumulator loop
+// with the same interpolation and random steps as the free lanes.
 #include "BenchSupport.h"
 #include "host/DriverTransport.h"
 
@@ -71,26 +72,50 @@ void BM_StepLFOTriggerInputs(benchmark::State& state) {
     Render(state, rig, block);
 }
 
-// Two lanes of phase accumulator, one table read and the multiply-adds, with no framework around it.
+// The plain twin of BM_StepLFOFree: two lanes of phase accumulator over 16 steps at 200 steps a
+// second, each sample interpolated between its step and the next (wrapping to the first) and mapped
+// by multiplier and offset; lane L draws a new value for the step it enters at each boundary from a
+// shift register fed by a random generator, as "Random Enable" asks. No framework around it.
 void BM_PlainLoop(benchmark::State& state) {
     const uint32_t block = uint32_t(state.range(0));
-    std::vector<float> table(96), out[2] = {std::vector<float>(block), std::vector<float>(block)};
-    for (int k = 0; k < 96; ++k)
-        table[size_t(k)] = 0.1f * float(k % 7) - 0.3f;
+    std::vector<float> table[2] = {std::vector<float>(16), std::vector<float>(16)};
+    std::vector<float> out[2] = {std::vector<float>(block), std::vector<float>(block)};
+    for (auto& t : table)
+        for (int k = 0; k < 16; ++k)
+            t[size_t(k)] = 0.1f * float((k + 1) % 7) - 0.3f;
     double phase[2] = {0.0, 0.25};
+    int current[2] = {0, 4};
+    uint32_t random = 0x12345678u, bits = 0;
     double increment = 200.0 / 16.0 / 48000.0;
+    float multiplier = 1.0f, offset = 0.0f;
     for (auto _ : state) {
         benchmark::DoNotOptimize(increment);
+        benchmark::DoNotOptimize(multiplier);
         for (int lane = 0; lane < 2; ++lane) {
             double p = phase[lane];
+            int step = current[lane];
+            float* t = table[lane].data();
             float* y = out[lane].data();
             for (uint32_t i = 0; i < block; ++i) {
                 const float pos = float(p) * 16.0f;
-                y[i] = table[size_t(int(pos))] * 1.0f + 0.0f;
+                const int s = int(pos);
+                if (s != step) {
+                    step = s;
+                    if (lane == 0) {
+                        random ^= random << 13;
+                        random ^= random >> 17;
+                        random ^= random << 5;
+                        bits = ((bits << 1) | (random >> 31)) & 0xFFu;
+                        t[s] = (float(bits) - 127.5f) / 127.5f;
+                    }
+                }
+                const float v = t[s] + (t[(s + 1) & 15] - t[s]) * (pos - float(s));
+                y[i] = v * multiplier + offset;
                 p += increment;
                 if (p >= 1.0) p -= 1.0;
             }
             phase[lane] = p;
+            current[lane] = step;
         }
         benchmark::DoNotOptimize(out[0].data());
         benchmark::DoNotOptimize(out[1].data());
