@@ -25,6 +25,9 @@ void MixLoop(float* y, float base, const float* const* signals, const float* coe
     }
     for (uint32_t i = 0; i < frames; ++i) {
         float v = base;
+        // Unrolled, so that the signal pointers and coefficients stay in registers; the sum keeps its
+        // order, term by term.
+#pragma GCC unroll 8
         for (int k = 0; k < N; ++k)
             v += c[k] * s[k][i];
         y[i] = v;
