@@ -33,7 +33,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration) times[run.benchmark_name()] = run.GetAdjustedRealTime();
+            if (run.run_type == Run::RT_Iteration) times[run.benchmark_name()] = run.GetAdjustedCPUTime();
         ConsoleReporter::ReportRuns(runs);
     }
     std::map<std::string, double> times;
@@ -45,7 +45,7 @@ int RunWithRatios(int argc, char** argv, const std::vector<std::pair<std::string
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\nRatios measured in this run (module time / plain loop time):\n");
+    std::printf("\nRatios measured in this run (module CPU time / plain loop CPU time):\n");
     for (const auto& [name, baseline] : pairs) {
         auto a = reporter.times.find(name), b = reporter.times.find(baseline);
         if (a == reporter.times.end() || b == reporter.times.end() || b->second <= 0) continue;

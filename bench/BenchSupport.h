@@ -32,7 +32,9 @@ inline void CountFrames(benchmark::State& state, int64_t framesPerIteration) {
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-// Runs the registered benchmarks, then prints "ratio NAME / BASELINE" for each pair registered.
+// Runs the registered benchmarks, then prints "ratio NAME / BASELINE" for each pair registered. The
+// ratios are of CPU time: on a shared machine the wall-clock time of a run also counts the time other
+// processes held the core, which CPU time leaves out.
 int RunWithRatios(int argc, char** argv, const std::vector<std::pair<std::string, std::string>>& pairs);
 
 }  // namespace BR::Bench

@@ -1,11 +1,15 @@
 // The Ardent and Basalt Controllers rendered through RenderAudio at three block sizes with everything
 // at work: every gate group playing notes with triggers and accents, both note channels (Ardent),
 // MIDI out spread over four serial ports, and the MIDI clock with swing under a playing transport.
-// Each against a plain loop that builds the same frame words from bytes and an input, per sample.
+// Each against a plain loop that does the same per sample: bytes, an input level and gate, four serial
+// lines with the same traffic, the frame words with thru audio, the samples.
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "BenchSupport.h"
 #include "host/DriverTransport.h"
+#include "modules/hardware/HardwareFrame.h"
 
 namespace {
 
@@ -71,40 +75,108 @@ void BM_BasaltRender(benchmark::State& state) {
     RenderController(state, "basaltcontroller", 6);
 }
 
-// Five bytes from bases and one input, two words, two conversions to samples, per sample.
-void BM_PlainLoop(benchmark::State& state) {
+// A serial line as plainly as it can be: a count of bytes waiting, and a symbol counter that walks a
+// table of 15 symbols per byte (start, eight data bits over 1.5 samples each, stop, end).
+struct PlainPort {
+    static constexpr uint8_t kSymbols[15] = {0, 1, 1, 2, 3, 3, 4, 5, 5, 6, 7, 8, 8, 10, 9};
+    uint32_t waiting = 0;
+    int32_t counter = 0;
+    uint8_t byte = 0xF8;
+    void Send(uint32_t bytes) {
+        waiting += bytes;
+        if (counter == 0) counter = 1;
+    }
+    // True when the line is low on this sample.
+    bool Step() {
+        if (counter < 1) return false;
+        const int32_t c = counter - 1;
+        ++counter;
+        if (c >= 15) return false;
+        const uint8_t symbol = kSymbols[c];
+        if (symbol == 0) return true;
+        if (symbol <= 8) return ((byte >> (symbol - 1)) & 1) == 0;
+        if (symbol == 9) counter = --waiting > 0 ? 1 : 0;
+        return false;
+    }
+};
+
+// The plain twin of the controllers' benchmark, with the same traffic: per sample the bytes from
+// their bases, byte 1 from input 1, a gate from input 3, four serial lines stepped and their gates
+// set, the frame words, the thru audio of inputs 1 and 2 merged in, and the two samples. The lines
+// carry what the module sends them: a clock byte per tick at 140 BPM on each, and the note messages
+// of every 4096 frames shared among them.
+template <int kBytes>
+void PlainController(benchmark::State& state) {
     const uint32_t block = uint32_t(state.range(0));
-    std::vector<float> in(block, 0.3f), left(block), right(block);
-    uint8_t base[5] = {1, 2, 3, 4, 5};
+    std::vector<float> in[3], out[2] = {std::vector<float>(block), std::vector<float>(block)};
+    for (auto& c : in) {
+        c.resize(block);
+        for (uint32_t i = 0; i < block; ++i)
+            c[i] = 0.5f * std::sin(0.01f * float(i));  // the rig's input
+    }
+    uint8_t base[kBytes] = {};
+    PlainPort ports[4];
+    const float fullScale = BR::kFullScaleA;
+    const double samplesPerTick = 48000.0 * 60.0 / (140.0 * 24.0);
+    double untilTick = 0.0;
+    uint32_t frame = 0;
     for (auto _ : state) {
         benchmark::DoNotOptimize(base);
+        // The notes' messages (on and off for each group and note channel) shared out over the four
+        // lines, the clock on each.
+        if (frame % 4096 == 0)
+            for (PlainPort& port : ports)
+                port.Send(3 * (kBytes + 2) * 2 / 4);
+        for (untilTick -= block; untilTick <= 0.0; untilTick += samplesPerTick)
+            for (PlainPort& port : ports)
+                port.Send(1);
         for (uint32_t i = 0; i < block; ++i) {
-            int v = int(in[i] * 255.0f + 0.5f) + base[0];
-            const uint8_t b0 = uint8_t(v > 255 ? 255 : v < 0 ? 0 : v);
-            const int32_t l = (b0 << 16) | (base[1] << 8) | (base[4] & 0xF0);
-            const int32_t r = (base[2] << 16) | (base[3] << 8) | ((base[4] & 0x0F) << 4);
-            left[i] = float(l) / 8388608.0f;
-            right[i] = float(r) / 8388608.0f;
+            uint8_t f[kBytes];
+            std::copy(base, base + kBytes, f);
+            const int32_t level = int32_t(255.0f * in[0][i] + 0.5f) + base[0];
+            f[0] = uint8_t(level < 0 ? 0 : level > 255 ? 255 : level);
+            if (in[2][i] > 0.0f) BR::SetGateBit(f, 29);
+            for (int p = 0; p < 4; ++p)
+                if (ports[p].Step()) BR::SetGateBit(f, p);
+            int32_t l, r;
+            if constexpr (kBytes == 5) {
+                BR::FiveByteWords(f, l, r);
+            } else {
+                BR::SixByteWords(f, l, r);
+            }
+            l |= BR::ThruBits(in[0][i], fullScale);
+            r |= BR::ThruBits(in[1][i], fullScale);
+            out[0][i] = BR::WordToSample(l, fullScale);
+            out[1][i] = BR::WordToSample(r, fullScale);
         }
-        benchmark::DoNotOptimize(left.data());
-        benchmark::DoNotOptimize(right.data());
+        frame += block;
+        benchmark::DoNotOptimize(out[0].data());
+        benchmark::DoNotOptimize(out[1].data());
         benchmark::ClobberMemory();
     }
     BR::Bench::CountFrames(state, block);
 }
 
+void BM_PlainFiveBytes(benchmark::State& state) {
+    PlainController<5>(state);
+}
+void BM_PlainSixBytes(benchmark::State& state) {
+    PlainController<6>(state);
+}
+
 BENCHMARK(BM_ArdentRender)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_BasaltRender)->Arg(32)->Arg(256)->Arg(1024);
-BENCHMARK(BM_PlainLoop)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainFiveBytes)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainSixBytes)->Arg(32)->Arg(256)->Arg(1024);
 
 }  // namespace
 
 int main(int argc, char** argv) {
     return BR::Bench::RunWithRatios(argc, argv,
-                                    {{"BM_ArdentRender/32", "BM_PlainLoop/32"},
-                                     {"BM_ArdentRender/256", "BM_PlainLoop/256"},
-                                     {"BM_ArdentRender/1024", "BM_PlainLoop/1024"},
-                                     {"BM_BasaltRender/32", "BM_PlainLoop/32"},
-                                     {"BM_BasaltRender/256", "BM_PlainLoop/256"},
-                                     {"BM_BasaltRender/1024", "BM_PlainLoop/1024"}});
+                                    {{"BM_ArdentRender/32", "BM_PlainFiveBytes/32"},
+                                     {"BM_ArdentRender/256", "BM_PlainFiveBytes/256"},
+                                     {"BM_ArdentRender/1024", "BM_PlainFiveBytes/1024"},
+                                     {"BM_BasaltRender/32", "BM_PlainSixBytes/32"},
+                                     {"BM_BasaltRender/256", "BM_PlainSixBytes/256"},
+                                     {"BM_BasaltRender/1024", "BM_PlainSixBytes/1024"}});
 }

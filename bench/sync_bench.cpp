@@ -1,6 +1,8 @@
 // Sync rendered through RenderAudio at three block sizes with a playing, looping transport at 24 PPQN
-// (clock on output 1, run on output 2), and with the FSK tone; each against a plain loop that makes the
-// same pulse train, or the same tone, sample by sample.
+// (clock on output 1, run on output 2), and with the FSK tone; each against a plain loop that reads the
+// transport at each block and makes the same pulse train, or the same tone, sample by sample.
+#include <cmath>
+
 #include "BenchSupport.h"
 #include "framework/PolySine.h"
 #include "host/DriverTransport.h"
@@ -34,20 +36,45 @@ void BM_SyncFSKRender(benchmark::State& state) {
     RenderSync(state, true);
 }
 
-// A 1000-sample clock, high for half of it, and a run level, added to two inputs sample by sample.
+// What a sync must do at each block whatever it is written like: read where the host's transport
+// stands and how fast it goes, and place the clock from that, since a host may move it at any block.
+// The host side (the transport moving on by the block and round its loop) is done here as the
+// driver does it for the module.
+struct PlainTransport {
+    double quarter = 0.0, tempo = 120.0, loopStart = 0.0, loopEnd = 64.0;
+    bool playing = true;
+    // Samples into the present 24 PPQN tick, and the tick's length in samples.
+    void Place(uint32_t& counter, uint32_t& period) const {
+        const double perTick = 48000.0 * 60.0 / (tempo * 24.0);
+        const double ticks = quarter * 24.0;
+        period = uint32_t(perTick);
+        counter = playing ? uint32_t((ticks - std::floor(ticks)) * perTick) : 0;
+    }
+    void Advance(uint32_t frames) {
+        quarter += double(frames) * tempo / 60.0 / 48000.0;
+        if (quarter >= loopEnd) quarter -= loopEnd - loopStart;
+    }
+};
+
+// The clock placed from the transport at each block, high for half of each tick, and a run level,
+// added to two inputs sample by sample.
 void BM_PlainLoop(benchmark::State& state) {
     const uint32_t block = uint32_t(state.range(0));
     std::vector<float> in[2] = {std::vector<float>(block, 0.1f), std::vector<float>(block, 0.2f)};
     std::vector<float> out[2] = {std::vector<float>(block), std::vector<float>(block)};
-    uint32_t counter = 0;
+    PlainTransport transport;
     float high = 1.0f, low = 0.0f, run = 1.0f;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(high);
+        benchmark::DoNotOptimize(transport);
+        uint32_t counter, period;
+        transport.Place(counter, period);
+        const uint32_t half = period / 2;
         for (uint32_t i = 0; i < block; ++i) {
-            out[0][i] = in[0][i] + (counter < 500 ? high : low);
+            out[0][i] = in[0][i] + (counter < half ? high : low);
             out[1][i] = in[1][i] + run;
-            counter = counter == 999 ? 0 : counter + 1;
+            counter = counter + 1 == period ? 0 : counter + 1;
         }
+        transport.Advance(block);
         benchmark::DoNotOptimize(out[0].data());
         benchmark::DoNotOptimize(out[1].data());
         benchmark::ClobberMemory();
@@ -55,22 +82,27 @@ void BM_PlainLoop(benchmark::State& state) {
     BR::Bench::CountFrames(state, block);
 }
 
-// The FSK tone alone: phase step by the clock's state, polynomial sine, added to one input.
+// The FSK tone alone: the clock placed as above, phase step by the clock's state, polynomial sine,
+// added to one input.
 void BM_PlainToneLoop(benchmark::State& state) {
     const uint32_t block = uint32_t(state.range(0));
     std::vector<float> in[2] = {std::vector<float>(block, 0.1f), std::vector<float>(block, 0.2f)};
     std::vector<float> out[2] = {std::vector<float>(block), std::vector<float>(block)};
-    uint32_t counter = 0;
+    PlainTransport transport;
     float phase = 0.0f, run = 1.0f;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(run);
+        benchmark::DoNotOptimize(transport);
+        uint32_t counter, period;
+        transport.Place(counter, period);
+        const uint32_t half = period / 2;
         for (uint32_t i = 0; i < block; ++i) {
             out[0][i] = in[0][i] + BR::PolySine(phase) * 0.5f + 0.5f;
-            phase += (counter < 500 ? 2400.0f : 1200.0f) / 48000.0f;
+            phase += (counter < half ? 2400.0f : 1200.0f) / 48000.0f;
             if (phase >= 1.0f) phase -= 1.0f;
             out[1][i] = in[1][i] + run;
-            counter = counter == 999 ? 0 : counter + 1;
+            counter = counter + 1 == period ? 0 : counter + 1;
         }
+        transport.Advance(block);
         benchmark::DoNotOptimize(out[0].data());
         benchmark::DoNotOptimize(out[1].data());
         benchmark::ClobberMemory();

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "framework/BrelCorvaneBase.h"
 
@@ -17,6 +18,24 @@ void SetupSegment(Envelope& envelope, int32_t segment, float time, float startLe
                   const EnvParameters& parameters, float sampleRate) {
     setupEnvStage(envelope.stages[kSegmentStage[segment]], parameters.type[segment], time,
                   parameters.shape[segment], startLevel, endLevel, sampleRate);
+}
+
+// Equal as stored: -0 and 0 differ (the target is written out), and a NaN matches itself.
+bool SameBits(float a, float b) {
+    uint32_t x, y;
+    std::memcpy(&x, &a, sizeof x);
+    std::memcpy(&y, &b, sizeof y);
+    return x == y;
+}
+
+// EnvTimeMultiplier of the envelope's present "Multiplier" value, worked out once per value.
+float TimeFactor(Envelope& envelope, float multiplierIndex) {
+    if (!envelope.factorKnown || !SameBits(multiplierIndex, envelope.factorIndex)) {
+        envelope.factorKnown = true;
+        envelope.factorIndex = multiplierIndex;
+        envelope.factor = EnvTimeMultiplier(multiplierIndex);
+    }
+    return envelope.factor;
 }
 
 }  // namespace
@@ -74,8 +93,12 @@ void setupEnvStage(EnvStage& stage, int32_t type, float time, float shape, float
         }
         stage.increment = (a * r + b) * r;
         stage.coefficient = 2.0f * a * r * r;
+        stage.exponentialValid = false;  // the render loop moves `increment` of this kind
         return;
     }
+    if (stage.exponentialValid && SameBits(samples, stage.fromSamples) && SameBits(shape, stage.fromShape) &&
+        SameBits(startLevel, stage.fromStart) && SameBits(endLevel, stage.fromEnd))
+        return;  // increment, coefficient, target and direction hold these inputs' values already
 
     // The level heads for a point `e` beyond the target, reaching the target in about `samples`
     // samples at a finite slope: small shapes bend hard, large ones are almost straight.
@@ -86,6 +109,11 @@ void setupEnvStage(EnvStage& stage, int32_t type, float time, float shape, float
     stage.increment = float(aim * (1.0 - c));
     stage.coefficient = float(c);
     stage.target = endLevel;
+    stage.exponentialValid = true;
+    stage.fromSamples = samples;
+    stage.fromShape = shape;
+    stage.fromStart = startLevel;
+    stage.fromEnd = endLevel;
 }
 
 void envNoteOn(Envelope& envelope, float velocity, const EnvParameters& parameters, float sampleRate) {
@@ -98,7 +126,7 @@ void envNoteOn(Envelope& envelope, float velocity, const EnvParameters& paramete
     float l1 = parameters.levelA1 * scale;
     const float l2 = parameters.levelA2 * scale;
     const float ls = parameters.sustain * scale;
-    const float m = EnvTimeMultiplier(parameters.multiplier);
+    const float m = TimeFactor(envelope, parameters.multiplier);
     float t1 = parameters.time[kSegA1] * m;
     float t2 = parameters.time[kSegA2] * m;
     const float t3 = parameters.time[kSegA3] * m;
@@ -129,7 +157,7 @@ void envNoteOff(Envelope& envelope, const EnvParameters& parameters, float sampl
     float r1 = parameters.levelR1 * envelope.velocityScale;
     // Keeps R1 in proportion when the release starts from another level than the sustain.
     if (s > 0.001f) r1 *= envelope.level / s;
-    const float m = EnvTimeMultiplier(parameters.multiplier);
+    const float m = TimeFactor(envelope, parameters.multiplier);
     SetupSegment(envelope, kSegR1, parameters.time[kSegR1] * m, envelope.level, r1, parameters, sampleRate);
     SetupSegment(envelope, kSegR2, parameters.time[kSegR2] * m, r1, 0.0f, parameters, sampleRate);
 }
@@ -151,8 +179,8 @@ void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float s
         if (stage <= kSegmentStage[s]) done += parameters.time[s];
     }
     if (stage != envelope.sustainStage && stage >= 0 && stage < kEnvNumStages)
-        done -=
-            float(envelope.stages[stage].samplesLeft) / sampleRate / EnvTimeMultiplier(parameters.multiplier);
+        done -= float(envelope.stages[stage].samplesLeft) / sampleRate /
+                TimeFactor(envelope, parameters.multiplier);
     if (stage < kEnvSustain) done += 1.0f;
     display.position = done / total;
     display.level = envelope.level;

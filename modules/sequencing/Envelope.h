@@ -35,6 +35,11 @@ struct EnvStage {
     bool falling = false;
     uint32_t samplesLeft = 0xFFFFFFFFu;
     int32_t type = kEnvParabolic;  // 0 parabolic, anything else exponential
+    // What the exponential fields above were last worked out from. The render loop never writes
+    // them, so a segment set up again from the same inputs (as A2, A3 and R2 are at most notes)
+    // keeps them and needs no exp or log.
+    bool exponentialValid = false;
+    float fromSamples = 0.0f, fromShape = 0.0f, fromStart = 0.0f, fromEnd = 0.0f;
 };
 
 struct Envelope {
@@ -45,6 +50,10 @@ struct Envelope {
     // Finished (0) and sustain (3) are never prepared: they run as flat parabolic segments of
     // 2^32 - 1 samples, so the render loop needs no special case for them.
     EnvStage stages[kEnvNumStages];
+    // The last time factor worked out, and the "Multiplier" value it belongs to.
+    bool factorKnown = false;
+    float factorIndex = 0.0f;
+    float factor = 1.0f;
 
     // Stops the envelope; `level` follows at the next envBlockUpdate.
     void Reset() {

@@ -163,6 +163,9 @@ private:
     void HandleTriggerReset(int lane, bool trigger, bool reset);
     void RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames);
     void RenderSteps(int lane, const float* x, float* out, uint32_t frames);
+    // The step loop, made for the pass's case: with or without a signal input, interpolated or not.
+    template <bool kInput, bool kLinear>
+    void StepLoop(int lane, const float* x, float* out, uint32_t frames);
     void PublishStatus();
     // The absolute step that the render loop plays at `phase`, and the phase that plays `step`.
     int32_t StepAt(int lane, double phase) const;

@@ -212,6 +212,22 @@ void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t
 }
 
 void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t frames) {
+    const bool linear = settings[lane].linear;
+    if (x) {
+        if (linear) {
+            StepLoop<true, true>(lane, x, out, frames);
+        } else {
+            StepLoop<true, false>(lane, x, out, frames);
+        }
+    } else if (linear) {
+        StepLoop<false, true>(lane, x, out, frames);
+    } else {
+        StepLoop<false, false>(lane, x, out, frames);
+    }
+}
+
+template <bool kInput, bool kLinear>
+void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames) {
     const LaneSettings& c = settings[lane];
     LaneState& st = lanes[lane];
     const Asymmetry map(c.asymmetry);
@@ -221,7 +237,6 @@ void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t fra
     const float* steps = stepValues[lane];
     const float multiplier = c.multiplier, offset = c.offset, gateLength = c.gateLength;
     const float stepGain = c.stepGain, inputGain = c.inputGain, productGain = c.productGain;
-    const bool linear = c.linear;
     double phase = st.phase, increment = st.increment;
     int32_t current = st.currentStep;
     float u = 0.0f;
@@ -262,18 +277,19 @@ void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t fra
             break;
         }
         float v = steps[index];
-        if (linear) v += (steps[start + next] - v) * (pos - float(s));  // wraps to the loop's first step
+        if constexpr (kLinear)
+            v += (steps[start + next] - v) * (pos - float(s));  // wraps to the loop's first step
         v = std::max(v, floorValue);
         if (pos - float(s) > gateLength) v = 0.0f;
         phase += increment;
         if (phase >= 1.0) phase -= 1.0;
         v = v * multiplier + offset;
-        const float in = x ? x[i] : 0.0f;
+        const float in = kInput ? x[i] : 0.0f;
         out[i] = v * stepGain + in * inputGain + v * in * productGain;
         if (increment == 0.0 && phase >= 0.0 && phase < 1.0) {
             // Standing (a triggered lane waiting, or no rate): every further sample of this pass meets
             // the same phase, step and value, so only the input's share moves.
-            if (x) {
+            if constexpr (kInput) {
                 for (uint32_t j = i + 1; j < frames; ++j)
                     out[j] = v * stepGain + x[j] * inputGain + v * x[j] * productGain;
             } else {

@@ -219,30 +219,14 @@ bool BrelCorvane::BeginBlock(uint32_t frames) {
 void BrelCorvane::ReadTransport() {
     const bool oldPlaying = playing;
     const double oldPosition = position;
-    bool looping = false;
-    double loopStart = 0.0, loopEnd = 0.0, barStart = 0.0, bar = 4.0;
-    bool knowsBar = false;
-    if (const BR::HostTransport* transport = Transport()) {
+    const BR::HostTransport* transport = Transport();
+    int64_t location = 0;
+    if (transport) {
         playing = transport->IsTransportPlaying();
         tempo = transport->GetCurrentTempo();
         if (!std::isfinite(tempo)) tempo = 0.0;  // a tempo that is not a number places no ticks
-        const int64_t location = transport->GetCurrentNativeSampleLocation();
+        location = transport->GetCurrentNativeSampleLocation();
         position = double(transport->GetCustomTickPosition(location)) * BR::kBeatsPerTick;
-        int32_t numerator = 4, denominator = 4;
-        transport->GetCurrentMeter(numerator, denominator);
-        if (numerator <= 0 || denominator <= 0) numerator = denominator = 4;
-        bar = double(numerator) * 4.0 / double(denominator);
-        int64_t loopStartTick = 0, loopEndTick = 0;
-        transport->GetCurrentLoopPosition(looping, loopStartTick, loopEndTick);
-        loopStart = double(loopStartTick) * BR::kBeatsPerTick;
-        loopEnd = double(loopEndTick) * BR::kBeatsPerTick;
-        int32_t bars = 1, beat = 1;
-        int64_t beatTicks = 0;
-        transport->GetBarBeatPosition(bars, beat, beatTicks, location);
-        // Hosts report beats as quarter notes into the bar and ticks into that quarter, so this is the
-        // bar line in any meter.
-        barStart = position - (double(beatTicks) * BR::kBeatsPerTick + double(beat - 1));
-        knowsBar = true;
     } else {
         // No transport: playing at tempo 0, which places no ticks.
         playing = true;
@@ -250,8 +234,23 @@ void BrelCorvane::ReadTransport() {
         position = 0.0;
     }
 
+    // The meter, the bar line and the loop matter only at a start and at a jump back; the host is
+    // asked for them only then.
     const SyncSettings& s = settings;
     if (!oldPlaying && playing) {
+        double barStart = 0.0, bar = 4.0;
+        if (transport) {
+            int32_t numerator = 4, denominator = 4;
+            transport->GetCurrentMeter(numerator, denominator);
+            if (numerator <= 0 || denominator <= 0) numerator = denominator = 4;
+            bar = double(numerator) * 4.0 / double(denominator);
+            int32_t bars = 1, beat = 1;
+            int64_t beatTicks = 0;
+            transport->GetBarBeatPosition(bars, beat, beatTicks, location);
+            // Hosts report beats as quarter notes into the bar and ticks into that quarter, so this
+            // is the bar line in any meter.
+            barStart = position - (double(beatTicks) * BR::kBeatsPerTick + double(beat - 1));
+        }
         firstTick = true;
         runHigh = false;
         phaseSamples = 0;
@@ -263,7 +262,7 @@ void BrelCorvane::ReadTransport() {
         // The clock starts at the next bar line at or after the start, not where the host started.
         const double start = s.offsetSeconds * tempo / 60.0 + position;
         if (tempo != 0.0) {
-            if (!knowsBar) barStart = std::floor(start / bar) * bar;
+            if (!transport) barStart = std::floor(start / bar) * bar;
             if (barStart < start) barStart += bar;
         }
         if (s.dinsyncType != kTypeOff) {
@@ -273,10 +272,17 @@ void BrelCorvane::ReadTransport() {
         }
         return;
     }
-    if (playing && position <= oldPosition && looping && loopEnd > loopStart && s.dinsyncType != kTypeOff) {
-        // The host jumped back round its loop: the count goes back by the loop's length in ticks.
-        lastTick -= WholeTicks(s.tickRate * (loopEnd - loopStart));
-        nextTick = lastTick + 1;
+    if (playing && position <= oldPosition && transport && s.dinsyncType != kTypeOff) {
+        bool looping = false;
+        int64_t loopStartTick = 0, loopEndTick = 0;
+        transport->GetCurrentLoopPosition(looping, loopStartTick, loopEndTick);
+        const double loopStart = double(loopStartTick) * BR::kBeatsPerTick;
+        const double loopEnd = double(loopEndTick) * BR::kBeatsPerTick;
+        if (looping && loopEnd > loopStart) {
+            // The host jumped back round its loop: the count goes back by the loop's length in ticks.
+            lastTick -= WholeTicks(s.tickRate * (loopEnd - loopStart));
+            nextTick = lastTick + 1;
+        }
     }
     if (oldPlaying && !playing) {
         firstTick = false;

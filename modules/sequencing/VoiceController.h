@@ -194,7 +194,8 @@ private:
     void Render(float** outputs, uint32_t offset, uint32_t frames);
     void RenderChunk(float** outputs, uint32_t offset, uint32_t frames);
     void RenderPitch(float* slot, uint32_t frames);
-    void MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput);
+    // With `smooth`, each mixed output also passes its smoother in the same loop, as Smooth would.
+    void MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput, bool smooth);
     void Smooth(float** outputs, uint32_t offset, uint32_t frames);
     // Replaces the first outputs by frame words in a hardware mode.
     void EncodeHardware(float** outputs, uint32_t offset, uint32_t frames);

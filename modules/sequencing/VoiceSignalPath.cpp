@@ -16,19 +16,55 @@ constexpr float kMixThreshold = 0.001f;
 constexpr int32_t kMaxMoving = 5;  // pitch, Env1, Env2, Env3, trigger
 
 template <int N>
-void MixLoop(float* y, float base, const float* const* signals, const float* coefficients, uint32_t frames) {
+void MixLoop(float* y, float base, const float* const* signals, const float* coefficients, uint32_t frames,
+             BR::OutputSmoother* smoother) {
     const float* s[N > 0 ? N : 1];
     float c[N > 0 ? N : 1];
     for (int k = 0; k < N; ++k) {
         s[k] = signals[k];
         c[k] = coefficients[k];
     }
-    for (uint32_t i = 0; i < frames; ++i) {
+    // Unrolled, so that the signal pointers and coefficients stay in registers; the sum keeps its
+    // order, term by term.
+    auto mix = [&](uint32_t i) {
         float v = base;
+#pragma GCC unroll 8
         for (int k = 0; k < N; ++k)
             v += c[k] * s[k][i];
-        y[i] = v;
+        return v;
+    };
+    if (!smoother || (!(smoother->slewStep > 0.0f) && !(smoother->smoothCoefficient > 0.0f))) {
+        for (uint32_t i = 0; i < frames; ++i)
+            y[i] = mix(i);
+        if (smoother && frames != 0) smoother->smoothState = y[frames - 1];
+        return;
     }
+    // The smoother's own arithmetic on each mixed sample, while it is still in a register: the
+    // slew's chain from sample to sample hides the mix's work.
+    float state = smoother->smoothState;
+    if (smoother->slewStep > 0.0f) {
+        const float step = smoother->slewStep;
+        for (uint32_t i = 0; i < frames; ++i) {
+            const float v = mix(i);
+            const float d = v - state;
+            if (d >= step) {
+                state += step;
+            } else if (d <= -step) {
+                state -= step;
+            } else {
+                state = v;
+            }
+            y[i] = state;
+        }
+    } else {
+        const float k = smoother->smoothCoefficient;
+        for (uint32_t i = 0; i < frames; ++i) {
+            const float v = mix(i);
+            state = (state - v) * k + v;
+            y[i] = state;
+        }
+    }
+    if (frames != 0) smoother->smoothState = state;
 }
 
 }  // namespace
@@ -60,10 +96,15 @@ void BrelCorvane::RenderChunk(float** outputs, uint32_t offset, uint32_t frames)
     for (int32_t e = 0; e < kNumEnvelopes; ++e)
         BR::renderEnvelope(envelopes[e], base + (kSourceEnv1 + e) * scratchFrames, frames);
 
-    MixOutputs(outputs, offset, frames, mode == kModeMaster ? 2 : 0);
+    // The smoothing runs inside the mix unless a hardware encoding has to come between the two. A
+    // master's first two outputs are neither mixed nor smoothed.
+    const bool encode = hardwareMode != 0 && mode != kModeMaster;
+    MixOutputs(outputs, offset, frames, mode == kModeMaster ? 2 : 0, !encode);
     // A master's first two outputs carry its voices' marker, which no encoding may overwrite.
-    if (hardwareMode != 0 && mode != kModeMaster) EncodeHardware(outputs, offset, frames);
-    Smooth(outputs, offset, frames);
+    if (encode) {
+        EncodeHardware(outputs, offset, frames);
+        Smooth(outputs, offset, frames);
+    }
 }
 
 void BrelCorvane::RenderPitch(float* slot, uint32_t frames) {
@@ -102,7 +143,8 @@ void BrelCorvane::StartGlide() {
     glideStart = glidePitch;
 }
 
-void BrelCorvane::MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput) {
+void BrelCorvane::MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput,
+                             bool smooth) {
     const float* slots = scratch.data();
     for (int32_t o = firstOutput; o < kNumOutputs; ++o) {
         const float* m = mix[o];
@@ -122,24 +164,26 @@ void BrelCorvane::MixOutputs(float** outputs, uint32_t offset, uint32_t frames, 
         take(kSourceTrigger);
 
         float* y = outputs[o] + offset;
+        BR::OutputSmoother* smoothing = smooth ? &smoother[o] : nullptr;
         switch (moving) {
             case 0:
                 std::fill(y, y + frames, base);
+                if (smoothing) smoothing->Process(y, int(frames));
                 break;
             case 1:
-                MixLoop<1>(y, base, signals, coefficients, frames);
+                MixLoop<1>(y, base, signals, coefficients, frames, smoothing);
                 break;
             case 2:
-                MixLoop<2>(y, base, signals, coefficients, frames);
+                MixLoop<2>(y, base, signals, coefficients, frames, smoothing);
                 break;
             case 3:
-                MixLoop<3>(y, base, signals, coefficients, frames);
+                MixLoop<3>(y, base, signals, coefficients, frames, smoothing);
                 break;
             case 4:
-                MixLoop<4>(y, base, signals, coefficients, frames);
+                MixLoop<4>(y, base, signals, coefficients, frames, smoothing);
                 break;
             default:
-                MixLoop<5>(y, base, signals, coefficients, frames);
+                MixLoop<5>(y, base, signals, coefficients, frames, smoothing);
                 break;
         }
     }
@@ -190,7 +234,7 @@ void BrelCorvane::RenderMeasureLevel(float** outputs, uint32_t offset, uint32_t 
         }
         float* trigger = base + kSourceTrigger * scratchFrames;
         std::fill(trigger, trigger + n, triggerOff);
-        MixOutputs(outputs, offset, n, 0);
+        MixOutputs(outputs, offset, n, 0, false);
         Smooth(outputs, offset, n);
         offset += n;
         frames -= n;
