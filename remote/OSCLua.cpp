@@ -8,6 +8,7 @@
 #include <string>
 
 #include "LuaMIDIHelper.h"
+#include "LuaNumbers.h"
 #include "OSCHelper.h"
 #include "framework/BrelCorvaneBase.h"
 
@@ -128,7 +129,7 @@ int OSCHelper::SendOSC(lua_State* L) {
                 } else if (lua_isnumber(L, -1)) {
                     // Only "i" in the format has an effect; every other character means a float.
                     if (format && format[i - 1] == 'i') {
-                        stream << osc::int32(lua_tonumber(L, -1));
+                        stream << osc::int32(SaturatedInt32(lua_tonumber(L, -1)));
                     } else {
                         stream << float(lua_tonumber(L, -1));
                     }

@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "LuaMIDIHelper.h"
+#include "LuaNumbers.h"
 #include "OSCHelper.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/InstanceRegistry.h"
@@ -59,6 +60,21 @@ unsigned long LocalAddressFor(const IpEndpointName& endpoint) {
     return address;
 }
 
+// The library checks the other arguments against the message's end, but not the size of a blob: one
+// whose size runs past the end of its message (or is negative) is refused here, before anything reads
+// its bytes. The scan stops at the first bad blob, so no argument behind it is read either.
+void CheckBlobs(const osc::ReceivedMessage& message, const char* end) {
+    for (auto arg = message.ArgumentsBegin(); arg != message.ArgumentsEnd(); ++arg) {
+        if (!arg->IsBlob()) continue;
+        const void* data = nullptr;
+        osc::osc_bundle_element_size_t size = 0;
+        arg->AsBlobUnchecked(data, size);
+        const char* start = static_cast<const char*>(data);
+        if (size < 0 || start > end || size > end - start)
+            throw osc::MalformedMessageException("blob exceeds message size");
+    }
+}
+
 }  // namespace
 
 void OSCHelper::ProcessPacket(const char* data, int size, const IpEndpointName& remoteEndpoint) {
@@ -68,7 +84,9 @@ void OSCHelper::ProcessPacket(const char* data, int size, const IpEndpointName& 
         if (size >= 1 && data[0] == '#') {
             ProcessBundle(osc::ReceivedBundle(osc::ReceivedPacket(data, size)), remoteEndpoint);
         } else {
-            ProcessMessage(osc::ReceivedMessage(osc::ReceivedPacket(data, size)), remoteEndpoint);
+            const osc::ReceivedMessage message{osc::ReceivedPacket(data, size)};
+            CheckBlobs(message, data + size);
+            ProcessMessage(message, remoteEndpoint);
         }
     } catch (const osc::Exception& e) {
         std::printf("error while parsing message: %s\n", e.what());
@@ -89,7 +107,9 @@ void OSCHelper::ProcessBundle(const osc::ReceivedBundle& bundle, const IpEndpoin
         if (it->IsBundle()) {
             ProcessBundle(osc::ReceivedBundle(*it), remoteEndpoint);
         } else {
-            ProcessMessage(osc::ReceivedMessage(*it), remoteEndpoint);
+            const osc::ReceivedMessage message(*it);
+            CheckBlobs(message, it->Contents() + it->Size());
+            ProcessMessage(message, remoteEndpoint);
         }
     }
 }
@@ -99,6 +119,7 @@ void OSCHelper::ProcessTouchFrame(const osc::ReceivedBundle& bundle) {
         for (auto it = bundle.ElementsBegin(); it != bundle.ElementsEnd(); ++it) {
             if (it->IsBundle()) continue;
             const osc::ReceivedMessage message(*it);
+            CheckBlobs(message, it->Contents() + it->Size());
             const char* address = message.AddressPattern();
             if (std::strncmp(address, "/t3d/frm", 8) == 0 || std::strncmp(address, "/t3d/tch", 8) != 0)
                 continue;
@@ -269,7 +290,8 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         if (luaHelper) {
             // Channel 1, the second channel as the hooks count them: the fixed channel of these
             // commands, kept as it is.
-            const int32_t velocity = int32_t(double(value) * 127.0);  // a double product, then truncated
+            // A double product, then truncated (held at the ends of the range: any float can arrive).
+            const int32_t velocity = SaturatedInt32(double(value) * 127.0);
             if (address[2] == 't' && address[3] == 'a') {
                 luaHelper->NoteOn(1, id, velocity);
             } else {
