@@ -146,9 +146,10 @@ void OSCHelper::ProcessTouchFrame(const osc::ReceivedBundle& bundle) {
 }
 
 void OSCHelper::AddToHistory(const std::string& text) {
-    const int32_t index = (messageHistoryIndex + 1) % kHistorySize;
+    std::lock_guard<std::mutex> guard(historyLock);
+    const int32_t index = (messageHistoryIndex.load(std::memory_order_relaxed) + 1) % kHistorySize;
     messageHistory[index] = text;
-    messageHistoryIndex = index;
+    messageHistoryIndex.store(index, std::memory_order_release);
 }
 
 void OSCHelper::ProcessMessage(const osc::ReceivedMessage& message, const IpEndpointName& remoteEndpoint) {
@@ -174,11 +175,17 @@ void OSCHelper::Dispatch(const osc::ReceivedMessage& message, const IpEndpointNa
         return;
     }
     const std::string key(address);
-    if (parameterPaths.count(key)) {
+    bool isParameterPath = false, isFunctionPath = false;
+    {
+        std::lock_guard<std::mutex> guard(pathLock);
+        isParameterPath = parameterPaths.count(key) != 0;
+        isFunctionPath = functionPaths.count(key) != 0;
+    }
+    if (isParameterPath) {
         HandleParameterPath(key, message);
         return;
     }
-    if (functionPaths.count(key)) {
+    if (isFunctionPath) {
         HandleFunctionPath(key, message);
         return;
     }
@@ -232,6 +239,7 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         }
     } else if (std::strcmp(address, "/getAllRegistered") == 0) {
         args >> osc::EndMessage;
+        std::lock_guard<std::mutex> guard(subscriptionLock);
         for (const auto& [clientId, updateClient] : updateClients) {
             Reply reply(updateClient.path.c_str());
             reply.Stream() << osc::int32(clientId) << ParameterValue(clientId);
@@ -261,6 +269,7 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         args >> id >> client >> replyPath >> osc::EndMessage;
         CheckedId(id, "parameter id out of range in registerUpdate");
         const IpEndpointName endpoint = ParseClientAddress(client);
+        std::lock_guard<std::mutex> guard(subscriptionLock);
         auto [first, last] = updateClients.equal_range(id);
         for (auto it = first; it != last; ++it)
             if (it->second.endpoint == endpoint && it->second.path == replyPath) return true;
@@ -271,6 +280,7 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         // The same text as /registerUpdate's, deliberately: clients already match on it.
         CheckedId(id, "parameter id out of range in registerUpdate");
         const IpEndpointName endpoint = ParseClientAddress(client);
+        std::lock_guard<std::mutex> guard(subscriptionLock);
         auto [first, last] = updateClients.equal_range(id);
         for (auto it = first; it != last;) {
             if (it->second.endpoint == endpoint && it->second.path == replyPath) {
@@ -305,16 +315,24 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
 }
 
 void OSCHelper::HandleParameterPath(const std::string& address, const osc::ReceivedMessage& message) {
-    auto [first, last] = parameterPaths.equal_range(address);
-    const size_t count = first->second.size();
+    // The targets are copied out, so that a script registering a path meanwhile changes nothing here.
+    std::vector<std::vector<OSCParameterTarget>> registered;
+    {
+        std::lock_guard<std::mutex> guard(pathLock);
+        auto [first, last] = parameterPaths.equal_range(address);
+        for (auto it = first; it != last; ++it)
+            registered.push_back(it->second);
+    }
+    if (registered.empty()) return;
+    const size_t count = registered.front().size();
     std::vector<float> values(count);
     osc::ReceivedMessageArgumentStream args = message.ArgumentStream();
     for (float& v : values)
         args >> v;
     args >> osc::EndMessage;
-    for (auto it = first; it != last; ++it)
-        for (size_t i = 0; i < count && i < it->second.size(); ++i) {
-            const OSCParameterTarget& target = it->second[i];
+    for (const std::vector<OSCParameterTarget>& targets : registered)
+        for (size_t i = 0; i < count && i < targets.size(); ++i) {
+            const OSCParameterTarget& target = targets[i];
             owner->SetTableValue(target.id, values[i] * target.scale + target.offset);
         }
 }

@@ -18,8 +18,9 @@
 
 namespace {
 
-// One instance of each module with a table or a grid, kept from one input to the next.
-std::vector<std::unique_ptr<BR::HostDriver>> takers;
+// One instance of each module with a table or a grid, kept from one input to the next (and never
+// destroyed: at exit the registry, a static made later, is gone before a global of this file would be).
+std::vector<std::unique_ptr<BR::HostDriver>>& takers = *new std::vector<std::unique_ptr<BR::HostDriver>>;
 
 bool TakesCalibration(BrelCorvaneBase& module) {
     uint32_t size = 0;
