@@ -11,6 +11,7 @@ packages=(
     libxtst-dev libgl1-mesa-dri fonts-dejavu-core fonts-liberation
     lv2file ardour lv2-examples mda-lv2
     liblilv-dev blop-lv2
+    libcairo2-dev
 )
 
 missing=()

@@ -11,12 +11,9 @@
 #include <vector>
 
 #include "CommandLine.h"
+#include "EditorWindow.h"
 #include "RenderJob.h"
 #include "StateFile.h"
-#include "editor/GenericPanel.h"
-#include "editor/PluginLuaGui.h"
-#include "editor/X11Window.h"
-#include "editor/ZPmanager.h"
 #include "framework/ModuleCatalogue.h"
 #include "modules/ModuleFactory.h"
 
@@ -80,30 +77,18 @@ int RunEdit(int argc, char** argv) {
     std::thread audio([&] { RenderInRealTime(driver, job, stopAudio); });
     int status = 0;
     {
-        ZPmanager manager(&driver.Module());
-        // The panel script of the module; the plain grid only where no script is built in yet.
-        PluginLuaGui gui(&driver.Module());
-        if (FindBuiltInScript(driver.Module().GetGuiScriptName()))
-            gui.OpenPanel(&manager);
-        else
-            BuildGenericPanel(manager);
-        X11Window window;
-        if (!window.Open(manager.designWidth, manager.designHeight,
-                         std::string("corvane ") + driver.Module().GetModuleName(), 0, nullptr)) {
-            std::fprintf(stderr, "corvane: the editor cannot open: %s\n", window.LastError().c_str());
+        EditorWindow editor;
+        if (!editor.Open(driver.Module(), std::string("corvane ") + driver.Module().GetModuleName())) {
+            std::fprintf(stderr, "corvane: the editor cannot open: %s\n", editor.LastError().c_str());
             status = 1;
         } else {
-            window.manager = &manager;
-            manager.CreateRenderTask(&window);
             std::signal(SIGINT, OnInterrupt);
             std::signal(SIGTERM, OnInterrupt);
             const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(job.seconds);
-            while (!interrupted && window.ProcessEvents(30)) {
+            while (!interrupted && editor.Pump(30)) {
                 if (job.seconds >= 0 && std::chrono::steady_clock::now() >= end) break;
             }
-            // The render thread stops before its window goes.
-            manager.DestroyRenderTask();
-            window.Close();
+            editor.Close();
         }
     }
     stopAudio = true;

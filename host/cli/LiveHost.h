@@ -11,6 +11,16 @@
 
 namespace BR {
 
+// The transport of another timeline (JACK's) as it stands at the first frame of a period.
+struct OutsideTransport {
+    bool rolling = false;
+    int64_t frame = 0;      // the outside timeline's frame, which the modules see as theirs
+    bool hasBeats = false;  // false: the patch's tempo and meter, its position at frame 0
+    double quarters = 0;    // quarter notes at `frame`, when hasBeats
+    double tempo = 120;     // quarter notes per minute, when hasBeats
+    int32_t meterNumerator = 4, meterDenominator = 4;
+};
+
 class LiveHost {
 public:
     // Most outside MIDI events taken per period; the rest of a period's events are dropped.
@@ -26,6 +36,11 @@ public:
 
     // Renders one period of `frames` from the buffers set above, with `midiCount` outside events.
     void Cycle(uint32_t frames, uint32_t midiCount);
+    // Before a Cycle: the modules' transport takes the outside one's state. While it rolls on from
+    // where the last period left it at the same tempo and meter, the transport is left to advance on
+    // its own, so that its position stays exactly what an offline render computes; a start, stop,
+    // relocation or change of tempo or meter takes the outside values. Nothing without a transport.
+    void Follow(const OutsideTransport& outside);
 
     int64_t FramesDone() const { return done.load(std::memory_order_relaxed); }
     PatchEngine& Engine() { return engine; }
@@ -37,6 +52,8 @@ private:
     std::vector<float* const*> outputTable;
     std::vector<const float* const*> inputTable;
     std::vector<TimedMidi> midiSlots;
+    TransportSettings settings;  // the patch's, for what an outside transport without beats lacks
+    double sampleRate;
     std::atomic<int64_t> done{0};
 };
 

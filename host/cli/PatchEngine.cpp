@@ -130,6 +130,7 @@ void PatchEngine::Render(int64_t done, int64_t frames, float* const* const* outp
         clock->Advance(n);
         offset += n;
         if (pacer) pacer->Wait(done + offset);
+        if (progress) progress->Update(done + offset);
     }
 }
 

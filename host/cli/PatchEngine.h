@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "PatchJob.h"
+#include "Progress.h"
 #include "host/HostDriver.h"
 
 namespace BR {
@@ -31,8 +32,12 @@ public:
     size_t Count() const { return drivers.size(); }
     HostDriver& Driver(size_t i) { return *drivers[i]; }
     uint32_t MaxBlock() const { return maxBlock; }
+    // The one transport every instance reads; null when the patch has none.
+    DriverTransport* Transport() { return clock->Transport(); }
     // Offline only: each block waits until it is due (the live host is paced by its device).
     void SetPacer(const RealTimePacer* pacer_) { pacer = pacer_; }
+    // Offline only: told of the frames done after each block.
+    void SetProgress(RenderProgress* progress_) { progress = progress_; }
     // Whether instance i is given the outside MIDI; all by default.
     std::vector<bool> takesMidi;
 
@@ -47,6 +52,7 @@ private:
     std::vector<const float*> in;
     std::vector<float*> out;
     const RealTimePacer* pacer = nullptr;
+    RenderProgress* progress = nullptr;
 };
 
 }  // namespace BR

@@ -6,6 +6,7 @@
 
 #include "CommandLine.h"
 #include "PatchEngine.h"
+#include "Progress.h"
 
 namespace BR {
 
@@ -74,7 +75,9 @@ void OrderInstances(Patch& patch) {
     patch.order = std::move(finder.order);
 }
 
-int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSettings& remote) {
+int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSettings& remote,
+                 const PlotSettings& plot) {
+    CheckPlotSettings(plot);
     ApplyRemoteSettings(remote);
     PatchEngine engine(patch, modules);
     const size_t count = engine.Count();
@@ -95,9 +98,29 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSe
     // would, and paces each block when asked.
     const RealTimePacer pacer(remote.realtime, patch.sampleRate);
     engine.SetPacer(&pacer);
-    engine.Render(0, patch.frames, table.data(), nullptr);
+    {
+        RenderProgress progress(patch.frames, patch.sampleRate);
+        engine.SetProgress(&progress);
+        engine.Render(0, patch.frames, table.data(), nullptr);
+        engine.SetProgress(nullptr);
+    }
     for (size_t i = 0; i < count; ++i)
         WriteWav(patch.instances[i].outPath, outputs[i]);
+    if (!plot.path.empty()) {
+        for (size_t i = 0; i < count; ++i) {
+            const PatchInstance& instance = patch.instances[i];
+            PlotData data;
+            data.title = instance.name + " (" + engine.Driver(i).Module().GetModuleName() + "), " +
+                         std::to_string(int(patch.sampleRate)) + " Hz";
+            data.sampleRate = patch.sampleRate;
+            data.names = OutputChannelNames(*instance.entry, int32_t(outputs[i].channels.size()));
+            for (const std::vector<float>& channel : outputs[i].channels)
+                data.channels.push_back(&channel);
+            for (const MidiEventSpec& event : instance.events)
+                data.midi.push_back({int64_t(event.frame), event.bytes});
+            WritePlot(data, plot, InstancePlotPath(plot.path, instance.name));
+        }
+    }
     return patch.frames;
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "Plot.h"
 #include "PropertyOptions.h"
 #include "RemoteOptions.h"
 #include "RenderPieces.h"
@@ -66,6 +67,11 @@ struct Patch {
     std::vector<Connection> connections;
     std::vector<size_t> midiIn;  // instances fed by the live MIDI input port
     bool midiInGiven = false;    // without "midi_in", every instance is fed
+    // Live on JACK only: the modules follow JACK's transport (its frame and play state, and its bar,
+    // beat and tempo when a timebase master gives them), drive it as its timebase master with the
+    // patch's transport, or run the patch's transport on their own as an offline render does.
+    enum class JackTransport { Follow, Master, Own };
+    JackTransport jackTransport = JackTransport::Follow;
 };
 
 // How the module names of a patch become modules: the catalogue and this build's factories, unless a
@@ -79,10 +85,11 @@ const ModuleSource& BuiltModules();
 // Reads and checks a patch file, with its MIDI and WAV files. Throws InputError naming the file and
 // the place in it ("patch.json: instances[1].inputs[0]: ...").
 Patch ParsePatch(const std::string& path, const ModuleSource& modules = BuiltModules());
-// Renders and writes one WAV per instance; returns the frames rendered. Settings and states that a
-// module refuses end it with an InputError before anything is written.
+// Renders and writes one WAV per instance (and with `plot.path`, one plot per instance at
+// InstancePlotPath); returns the frames rendered. Settings and states that a module refuses end it
+// with an InputError before anything is written.
 int64_t RunPatch(const Patch& patch, const ModuleSource& modules = BuiltModules(),
-                 const RemoteSettings& remote = {});
+                 const RemoteSettings& remote = {}, const PlotSettings& plot = {});
 
 // Fills `order`, or throws InputError at the input that closes a loop of instances feeding each other.
 void OrderInstances(Patch& patch);

@@ -313,7 +313,8 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
 Patch PatchReader::Read() {
     const Json root = ParsePatchJson(path);
     OnlyKeys(root, "",
-             {"rate", "block", "seconds", "frames", "transport", "instances", "connect", "midi_in"});
+             {"rate", "block", "seconds", "frames", "transport", "instances", "connect", "midi_in",
+              "jack_transport"});
     Patch patch;
     patch.path = path;
     if (root.contains("rate")) patch.sampleRate = double(Whole(root["rate"], "rate", 1000, 768000));
@@ -324,6 +325,17 @@ Patch PatchReader::Read() {
         patch.frames = int64_t(std::llround(Number(root["seconds"], "seconds", 0, 86400) * patch.sampleRate));
     if (root.contains("frames")) patch.frames = Whole(root["frames"], "frames", 0, int64_t(1) << 34);
     if (root.contains("transport")) ReadTransport(root["transport"], patch.transport);
+    if (root.contains("jack_transport")) {
+        const std::string mode = Text(root["jack_transport"], "jack_transport");
+        if (mode == "follow")
+            patch.jackTransport = Patch::JackTransport::Follow;
+        else if (mode == "master")
+            patch.jackTransport = Patch::JackTransport::Master;
+        else if (mode == "own")
+            patch.jackTransport = Patch::JackTransport::Own;
+        else
+            Fail("jack_transport", "\"" + mode + "\": expected \"follow\", \"master\" or \"own\"");
+    }
 
     if (!root.contains("instances")) Fail("instances", "missing: a patch needs at least one instance");
     const Json& instances = root["instances"];

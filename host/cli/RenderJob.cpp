@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 
 #include "CalibrationOptions.h"
 #include "CommandLine.h"
 #include "InputLimits.h"
 #include "MidiFile.h"
+#include "Progress.h"
 #include "StateFile.h"
 #include "WavFile.h"
 #include "modules/ModuleFactory.h"
@@ -137,7 +139,8 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
         } else if (option == "--script") {
             job.scripts.push_back(PathValue(cursor, option));
         } else if (!ParseTransportOption(option, cursor, job.transport) &&
-                   !ParseRemoteOption(option, cursor, job.remote)) {
+                   !ParseRemoteOption(option, cursor, job.remote) &&
+                   !ParsePlotOption(option, cursor, job.plot)) {
             throw UsageError("render: unknown option \"" + option + "\"");
         }
     }
@@ -160,6 +163,7 @@ int64_t RunRenderJob(const RenderJob& job) {
 
 int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     CheckWritable(job.outputPath, "--out");
+    CheckPlotSettings(job.plot);
     if (!job.stateOut.empty()) CheckWritable(job.stateOut, "--state-out");
     if (!job.calibrationOut.empty()) {
         CheckWritable(job.calibrationOut, "--calibration-out");
@@ -186,6 +190,10 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
         }
     }
     events.insert(events.end(), job.events.begin(), job.events.end());
+    std::vector<PlotMidi> marks;
+    if (!job.plot.path.empty())
+        for (const MidiEventSpec& event : events)
+            marks.push_back({int64_t(event.frame), event.bytes});
     MidiSchedule midi(std::move(events));
 
     int64_t frames = job.frames;
@@ -223,6 +231,7 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     BlockClock clock(job.transport, job.sampleRate);
     driver.SetTransport(clock.Transport());
     const RealTimePacer pacer(job.remote.realtime, job.sampleRate);
+    std::optional<RenderProgress> progress(std::in_place, frames, job.sampleRate);
     for (int64_t done = 0; done < frames;) {
         const uint32_t n = clock.NextBlock(done, uint32_t(std::min<int64_t>(job.blockSize, frames - done)));
         for (size_t c = 0; c < numIn; ++c)
@@ -233,9 +242,22 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
         driver.Process(in.data(), out.data(), n, blockMidi.data(), uint32_t(blockMidi.size()));
         done += n;
         pacer.Wait(done);
+        progress->Update(done);
     }
+    progress.reset();
     driver.SetTransport(nullptr);
     WriteWav(job.outputPath, output);
+    if (!job.plot.path.empty()) {
+        PlotData plot;
+        plot.title =
+            std::string(driver.Module().GetModuleName()) + ", " + std::to_string(int(job.sampleRate)) + " Hz";
+        plot.sampleRate = job.sampleRate;
+        plot.names = OutputChannelNames(driver.Entry(), int32_t(numOut));
+        for (const std::vector<float>& channel : output.channels)
+            plot.channels.push_back(&channel);
+        plot.midi = std::move(marks);
+        WritePlot(plot, job.plot, job.plot.path);
+    }
     if (!job.stateOut.empty()) WriteStateFile(job.stateOut, driver);
     if (!job.calibrationOut.empty()) SaveCalibrationOption(driver, job.calibrationOut, "--calibration-out");
     return frames;

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "Plot.h"
 #include "PropertyOptions.h"
 #include "RemoteOptions.h"
 #include "RenderPieces.h"
@@ -32,6 +33,7 @@ struct RenderJob {
     TransportSettings transport;
     std::vector<std::string> scripts;  // user scripts run after the per-user folder's
     RemoteSettings remote;
+    PlotSettings plot;
 };
 
 // Parses "render STEM [options]" from argv[first] on; throws UsageError.

@@ -4,11 +4,13 @@
 #include <stdexcept>
 #include <string>
 
+#include "CommandHelp.h"
 #include "CommandLine.h"
 #include "EditCommand.h"
 #include "InfoCommands.h"
 #include "LiveHost.h"
 #include "PatchJob.h"
+#include "Plot.h"
 #include "RenderJob.h"
 #include "framework/ModuleCatalogue.h"
 #include "remote/RemoteServices.h"
@@ -27,20 +29,33 @@ const char* kUsage =
     "      --tempo BPM  --position QN  --meter N/D  --stopped  --no-transport\n"
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "      --realtime  --script FILE.lua...  --osc-base-port N\n"
+    "      --plot FILE.png  --plot-size WxH  --plot-range START:END\n"
     "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
-    "  patch FILE.json [--realtime] [--osc-base-port N]\n"
-    "                            render several instances together, one WAV each\n"
-    "  live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--osc-base-port N]\n"
-    "                            run a patch in real time as a JACK client until SIGINT or SIGTERM\n"
-    "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n";
+    "  patch FILE.json [--realtime] [--osc-base-port N] [--plot FILE.png ...]\n"
+    "                            render several instances together, one WAV (and plot) each\n"
+    "  live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--edit NAME]\n"
+    "      [--osc-base-port N]   run a patch in real time as a JACK client until SIGINT or SIGTERM\n"
+    "  plot FILE.wav [--out FILE.png] [--plot-size WxH] [--plot-range START:END]\n"
+    "                            draw every channel of a WAV over time\n"
+    "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n"
+    "corvane COMMAND --help describes one command; exit status 0 done, 1 failed while running,\n"
+    "2 bad command line or input file (see corvane(1))\n";
 
 int Dispatch(int argc, char** argv) {
     if (argc < 2) throw BR::UsageError("no command given");
     const std::string command = argv[1];
     if (command == "help" || command == "--help" || command == "-h") {
-        std::fputs(kUsage, stdout);
+        const char* help = argc > 2 ? BR::CommandHelp(argv[2]) : nullptr;
+        if (argc > 2 && !help) throw BR::UsageError("help: no command \"" + std::string(argv[2]) + "\"");
+        std::fputs(help ? help : kUsage, stdout);
         return 0;
+    }
+    if (argc > 2 && (std::strcmp(argv[2], "--help") == 0 || std::strcmp(argv[2], "-h") == 0)) {
+        if (const char* help = BR::CommandHelp(command)) {
+            std::fputs(help, stdout);
+            return 0;
+        }
     }
     if (command == "list") {
         if (argc > 2) throw BR::UsageError("list takes no arguments");
@@ -54,25 +69,33 @@ int Dispatch(int argc, char** argv) {
         const BR::RenderJob job = BR::ParseRenderJob(argc, argv, 2);
         const int64_t frames = BR::RunRenderJob(job);
         std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames, job.outputPath.c_str());
+        if (!job.plot.path.empty())
+            std::fprintf(stderr, "corvane: plotted them to %s\n", job.plot.path.c_str());
         return 0;
     }
     if (command == "edit") return BR::RunEdit(argc, argv);
     if (command == "patch") {
         if (argc < 3 || argv[2][0] == '-') throw BR::UsageError("patch needs exactly one patch file");
         BR::RemoteSettings remote;
+        BR::PlotSettings plot;
         BR::ArgumentCursor cursor(argc, argv, 3);
         std::string option;
         while (cursor.Next(option))
-            if (!BR::ParseRemoteOption(option, cursor, remote))
+            if (!BR::ParseRemoteOption(option, cursor, remote) && !BR::ParsePlotOption(option, cursor, plot))
                 throw BR::UsageError("patch: unknown option \"" + option + "\"");
         const BR::Patch patch = BR::ParsePatch(argv[2]);
-        const int64_t frames = BR::RunPatch(patch, BR::BuiltModules(), remote);
-        for (const BR::PatchInstance& instance : patch.instances)
+        const int64_t frames = BR::RunPatch(patch, BR::BuiltModules(), remote, plot);
+        for (const BR::PatchInstance& instance : patch.instances) {
             std::fprintf(stderr, "corvane: wrote %lld frames to %s\n", (long long)frames,
                          instance.outPath.c_str());
+            if (!plot.path.empty())
+                std::fprintf(stderr, "corvane: plotted them to %s\n",
+                             BR::InstancePlotPath(plot.path, instance.name).c_str());
+        }
         return 0;
     }
     if (command == "live") return BR::RunLive(argc, argv);
+    if (command == "plot") return BR::RunPlot(argc, argv);
     if (command == "bench") {
         double seconds = 10;
         unsigned block = 256;

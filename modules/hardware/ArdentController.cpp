@@ -201,14 +201,14 @@ void BrelCorvane::InitModule() {
 
 void BrelCorvane::ReadModuleSliceSettings() {
     for (int32_t b = 0; b < kNumBytes; ++b) {
-        inputSelect[b] = int32_t(GetTableValue(kInput1 + b)) - 1;
-        inputBipolar[b] = int32_t(GetTableValue(kInputMode1 + b));
+        inputSelect[b] = int32_t(BlockValue(kInput1 + b)) - 1;
+        inputBipolar[b] = int32_t(BlockValue(kInputMode1 + b));
     }
 }
 
 void BrelCorvane::SliceBase(int32_t* base) const {
     for (int32_t b = 0; b < kNumBytes; ++b)
-        base[b] = int32_t(GetTableValue(kOutput1 + b));
+        base[b] = int32_t(BlockValue(kOutput1 + b));
     // Note channels: channel 1's pitch goes to byte 1, channel 2's to byte 2. The pitch is written
     // whether the gate is on or not, so that a released note holds its level.
     for (int32_t c = 0; c < 2; ++c) {
@@ -239,7 +239,7 @@ void BrelCorvane::SliceBase(int32_t* base) const {
 
 void BrelCorvane::EncodeSlice(float** inputs, float** outputs, uint32_t frames) {
     const float fullScale = BR::FullScale(interfaceCategory);
-    const int32_t signal = int32_t(GetTableValue(kTestSignal));
+    const int32_t signal = int32_t(BlockValue(kTestSignal));
     float* left = outputs[0];
     float* right = outputs[1];
     if (signal != 0) {

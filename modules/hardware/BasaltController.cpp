@@ -170,7 +170,7 @@ BrelCorvane::BrelCorvane() : BrelGateControllerBase(kConfig, kRows) {
 
 void BrelCorvane::EncodeSlice(float** inputs, float** outputs, uint32_t frames) {
     const float fullScale = BR::FullScale(interfaceCategory);
-    const int32_t signal = int32_t(GetTableValue(kTestSignal));
+    const int32_t signal = int32_t(BlockValue(kTestSignal));
     float* left = outputs[0];
     float* right = outputs[1];
     if (signal != 0) {
@@ -178,7 +178,7 @@ void BrelCorvane::EncodeSlice(float** inputs, float** outputs, uint32_t frames) 
     } else {
         uint8_t base[kNumBytes];
         for (int32_t b = 0; b < kNumBytes; ++b) {
-            int32_t value = int32_t(GetTableValue(kOutput1 + b));
+            int32_t value = int32_t(BlockValue(kOutput1 + b));
             if (groups[b].midiChannel > 0)
                 for (int32_t i = 0; i < 8; ++i)
                     if (groups[b].gate[i]) value |= 1 << i;

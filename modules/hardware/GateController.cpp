@@ -1,5 +1,5 @@
-// Gate controller core: the Don't Panic property, lifecycle, and the settings read per slice and
-// before each MIDI item.
+// Gate controller core: the Don't Panic property, lifecycle, and the settings read in the first
+// slice and before the MIDI of a block whose rows changed.
 #include "GateController.h"
 
 #include <algorithm>
@@ -113,27 +113,25 @@ void BrelGateControllerBase::BroadcastSend(const uint8_t* bytes, int32_t count) 
 
 void BrelGateControllerBase::BeginSlice(uint32_t, uint32_t) {
     // "Send": a rising edge queues the manual bytes on port 0, whole or not at all.
-    const uint8_t pressed = GetTableValue(rows.send) != 0.0f ? 1 : 0;
+    const uint8_t pressed = BlockValue(rows.send) != 0.0f ? 1 : 0;
     if (pressed && !sendPressed) {
-        const int32_t n = std::clamp(Whole(GetTableValue(rows.bytes)), 1, 3);
+        const int32_t n = std::clamp(Whole(BlockValue(rows.bytes)), 1, 3);
         uint8_t bytes[3];
         for (int32_t k = 0; k < 3; ++k)
-            bytes[k] = uint8_t(std::clamp(Whole(GetTableValue(rows.byte1 + k)), 0, 255));
+            bytes[k] = uint8_t(std::clamp(Whole(BlockValue(rows.byte1 + k)), 0, 255));
         if (ports[0].CanTake(n)) ports[0].Send(bytes, n);
     }
     sendPressed = pressed;
 
-    // The count is taken before the rows are read, so a change that lands meanwhile is read again.
-    const uint32_t changes = numChanges.load();
-    if (sliceSettingsRead && changes == sliceChanges && sampleRate == sliceRate) return;
+    // Read again only after a block whose rows changed (BeginBlock clears the flag; a new rate
+    // counts as a change of every row).
+    if (sliceSettingsRead) return;
     sliceSettingsRead = true;
-    sliceChanges = changes;
-    sliceRate = sampleRate;
     for (int32_t c = 0; c < rows.numNoteChannels; ++c) {
-        channels[c].gateOutput = Whole(GetTableValue(rows.noteChannel[c] + 3));
-        channels[c].velOutput = Whole(GetTableValue(rows.noteChannel[c] + 4));
+        channels[c].gateOutput = Whole(BlockValue(rows.noteChannel[c] + 3));
+        channels[c].velOutput = Whole(BlockValue(rows.noteChannel[c] + 4));
     }
-    midiOutGate = Whole(GetTableValue(rows.midiOutOutput));
+    midiOutGate = Whole(BlockValue(rows.midiOutOutput));
     ReadClockSettings();
     rateClass = BR::RateClassOf(sampleRate);
     symbolTable = BR::GetSymbolTable(rows.timing, rateClass);
@@ -145,52 +143,49 @@ void BrelGateControllerBase::BeginSlice(uint32_t, uint32_t) {
 }
 
 void BrelGateControllerBase::ReadClockSettings() {
-    clockOn = GetTableValue(rows.midiOutClock) != 0.0f;
-    if (clockOn) sppOn = GetTableValue(rows.useSPP) != 0.0f;
-    clockOffset = GetTableValue(rows.clockOffset) * 0.001f;
-    const float s = GetTableValue(rows.swing);
+    clockOn = BlockValue(rows.midiOutClock) != 0.0f;
+    if (clockOn) sppOn = BlockValue(rows.useSPP) != 0.0f;
+    clockOffset = BlockValue(rows.clockOffset) * 0.001f;
+    const float s = BlockValue(rows.swing);
     swingOn = std::fabs(s - 50.0f) > 0.1f;
     if (swingOn) {
         swingAmount = std::clamp(s * 0.01f, 0.05f, 0.95f);
-        swingPeriod = GetTableValue(rows.swingType) == 1.0f ? 24.0 : 12.0;
+        swingPeriod = BlockValue(rows.swingType) == 1.0f ? 24.0 : 12.0;
     }
 }
 
 void BrelGateControllerBase::ReadEncoderSettings() {
-    thruPair = Whole(GetTableValue(rows.inputThru)) - 1;
+    thruPair = Whole(BlockValue(rows.inputThru)) - 1;
     for (int32_t j = 0; j < 8; ++j)
-        inputToGate[j] = Whole(GetTableValue(rows.inputToGate + j));
-    interfaceCategory = Whole(GetTableValue(rows.interfaceCategory));
+        inputToGate[j] = Whole(BlockValue(rows.inputToGate + j));
+    interfaceCategory = Whole(BlockValue(rows.interfaceCategory));
 }
 
 void BrelGateControllerBase::RefreshMidiSettings() {
-    const uint32_t changes = numChanges.load();
-    if (midiSettingsRead && changes == midiChanges && sampleRate == midiRate) return;
+    if (midiSettingsRead) return;
     midiSettingsRead = true;
-    midiChanges = changes;
-    midiRate = sampleRate;
     for (int32_t c = 0; c < rows.numNoteChannels; ++c) {
         NoteChannel& ch = channels[c];
         const int32_t row = rows.noteChannel[c];
-        const int32_t midiChannel = Whole(GetTableValue(row));
+        const int32_t midiChannel = Whole(BlockValue(row));
         if (midiChannel != ch.midiChannel) ReleaseAllNotes(ch);
         ch.midiChannel = midiChannel;
         if (midiChannel > 0) {
-            ch.rangeMin = Whole(GetTableValue(row + 1));
-            ch.rangeMax = Whole(GetTableValue(row + 2));
+            ch.rangeMin = Whole(BlockValue(row + 1));
+            ch.rangeMax = Whole(BlockValue(row + 2));
         }
     }
     const double rate = double(sampleRate);
     for (int32_t g = 0; g < rows.numGroups; ++g) {
         GateGroup& group = groups[g];
-        const int32_t midiChannel = Whole(GetTableValue(rows.groupChannel + 2 * g));
+        const int32_t midiChannel = Whole(BlockValue(rows.groupChannel + 2 * g));
         if (midiChannel != group.midiChannel)
             std::fill(std::begin(group.gate), std::end(group.gate), uint8_t(0));
         group.midiChannel = midiChannel;
         if (midiChannel <= 0) continue;
-        group.baseNote = Whole(GetTableValue(rows.groupChannel + 2 * g + 1));
+        group.baseNote = Whole(BlockValue(rows.groupChannel + 2 * g + 1));
         for (int32_t i = 0; i < 8; ++i) {
-            const double ms = double(GetTableValue(rows.triggerLength + 8 * g + i));
+            const double ms = double(BlockValue(rows.triggerLength + 8 * g + i));
             if (ms == 0.0) {
                 group.triggerSamples[i] = -1;
             } else {
@@ -200,12 +195,12 @@ void BrelGateControllerBase::RefreshMidiSettings() {
             }
         }
         for (int32_t a = 0; a < 4; ++a)
-            group.accent[a] = GetTableValue(rows.accent + 4 * g + a) != 0.0f ? 1 : 0;
+            group.accent[a] = BlockValue(rows.accent + 4 * g + a) != 0.0f ? 1 : 0;
     }
-    midiOutChannel = Whole(GetTableValue(rows.midiOutChannel));
-    if (midiOutChannel != 0) matchNoteOffs = GetTableValue(rows.matchNoteOffs) != 0.0f;
-    channelise = Whole(GetTableValue(rows.channelise));
-    polyphony = std::clamp(Whole(GetTableValue(rows.polyphony)), 0, kMaxPolyphony);
+    midiOutChannel = Whole(BlockValue(rows.midiOutChannel));
+    if (midiOutChannel != 0) matchNoteOffs = BlockValue(rows.matchNoteOffs) != 0.0f;
+    channelise = Whole(BlockValue(rows.channelise));
+    polyphony = std::clamp(Whole(BlockValue(rows.polyphony)), 0, kMaxPolyphony);
 }
 
 void BrelGateControllerBase::HandleQueuedMessage(BR::MessageQueueItem* item) {

@@ -201,7 +201,6 @@ private:
     // Parameter change count and rate that the settings were last read at: the many rows of a
     // refresh are read again only when one of them may have changed. Slices and MIDI items can be a
     // sample apart, so this keeps their cost small; what a change does is the same.
+    // Cleared by BeginBlock when rows changed: the settings are due again.
     bool sliceSettingsRead = false, midiSettingsRead = false;
-    uint32_t sliceChanges = 0, midiChanges = 0;
-    float sliceRate = 0.0f, midiRate = 0.0f;
 };

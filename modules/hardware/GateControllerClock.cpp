@@ -51,11 +51,13 @@ void BrelGateControllerBase::ReadTransport(double& barStart, bool& looping, doub
 
 bool BrelGateControllerBase::BeginBlock(uint32_t frames) {
     BrelCorvaneBase::BeginBlock(frames);
+    if (RowsChanged()) sliceSettingsRead = midiSettingsRead = false;
     // A block of no length moves nothing on; read as a transport it would look like a loop wrap.
     if (frames == 0) return true;
     // The clock's settings as they stand at the block's start, so that the first block after the
-    // module was set up already knows whether the clock runs and how it swings.
-    ReadClockSettings();
+    // module was set up already knows whether the clock runs and how it swings. They follow from
+    // rows alone, so only a block whose rows changed (and that no slice has read yet) reads them.
+    if (!sliceSettingsRead) ReadClockSettings();
     const uint8_t wasPlaying = playing;
     const double oldBeat = beatPosition;
     double barStart, loopStart, loopEnd;
@@ -65,7 +67,7 @@ bool BrelGateControllerBase::BeginBlock(uint32_t frames) {
     delaySerial = 0;
 
     if (!wasPlaying && playing) {
-        if (GetTableValue(rows.delayStart) != 0.0f) delaySerial = 1;
+        if (BlockValue(rows.delayStart) != 0.0f) delaySerial = 1;
         startPending = 1;
         lastTick = firstTick = sppBeats = 0;
         tickPending = 0;
@@ -87,7 +89,7 @@ bool BrelGateControllerBase::BeginBlock(uint32_t frames) {
     }
 
     if (wasPlaying && !playing) {
-        if (GetTableValue(rows.delayStop) != 0.0f) delaySerial = 1;
+        if (BlockValue(rows.delayStop) != 0.0f) delaySerial = 1;
         startPending = 0;
         stopPending = 1;
         if (midiOutChannel != 0) {

@@ -203,7 +203,7 @@ void BrelGateControllerBase::NoteLogic(const BR::MessageQueueItem& item) {
 }
 
 int32_t BrelGateControllerBase::Priority(int32_t c) const {
-    return int32_t(GetTableValue(rows.noteChannel[c] + 5));
+    return int32_t(BlockValue(rows.noteChannel[c] + 5));
 }
 
 void BrelGateControllerBase::ReleaseAllNotes(NoteChannel& ch) {
@@ -237,7 +237,7 @@ void BrelGateControllerBase::ChannelNoteOn(int32_t c, int32_t note, float v) {
     ch.velocity = v;
     ch.note = float(chosen);
     // The retrigger mode only decides whether the unread timer is set again: nothing audible.
-    if (!ch.gate || GetTableValue(rows.noteChannel[c] + 6) != 1.0f) {
+    if (!ch.gate || BlockValue(rows.noteChannel[c] + 6) != 1.0f) {
         ch.gate = 1;
         ch.retrigTimer = 10;
     }

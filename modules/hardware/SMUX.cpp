@@ -31,8 +31,9 @@ void BrelCorvane::InitModule() {
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
-    flipL = GetTableValue(kFlipL) != 0.0f ? 1 : 0;
-    flipR = GetTableValue(kFlipR) != 0.0f ? 1 : 0;
+    if (!RowsChanged()) return true;  // the flips depend on their rows alone
+    flipL = BlockValue(kFlipL) != 0.0f ? 1 : 0;
+    flipR = BlockValue(kFlipR) != 0.0f ? 1 : 0;
     return true;
 }
 

@@ -119,7 +119,7 @@ private:
         BR::OutputSmoother smoother;  // slewStep, onePoleCoefficient, smoothState
     };
 
-    void ReadChannelParameters(int channel);
+    void ReadChannelParameters(int channel, int32_t scaleCount);
     void BuildTable(int channel, const BR::QuantizerTable& source);
     void RenderManual(const Channel& ch, const float* x, float* y, uint32_t frames);
     void RenderCalibrated(Channel& ch, const BR::QuantizerTable& table, const float* x, float* y,
@@ -142,6 +142,7 @@ private:
     std::vector<ScaleDefinition> scales;
     uint16_t scaleMasks[kMaxAudioScales] = {};
     std::atomic<int32_t> audioScaleCount{0};
+    int32_t readScaleCount = -1;  // audioScaleCount when the channel settings were last read
     BR::CountedTextList* scaleNames = nullptr;
 };
 

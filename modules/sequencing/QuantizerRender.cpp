@@ -1,5 +1,5 @@
-// Quantizer on the audio thread: parameters read once a block, the filtered tables built when their
-// calibration or scale changed, and the two grids sampled per channel.
+// Quantizer on the audio thread: parameters read in the blocks where they changed, the filtered
+// tables built when their calibration or scale changed, and the two grids sampled per channel.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -22,30 +22,29 @@ void CopyInput(const float* x, float* y, uint32_t frames) {
 
 }  // namespace
 
-void BrelCorvane::ReadChannelParameters(int c) {
+void BrelCorvane::ReadChannelParameters(int c, int32_t scaleCount) {
     Channel& ch = channels[c];
     const int32_t row = c * kRowsPerChannel;
     const int32_t scaleRow = c * kScaleRowsPerChannel;
-    ch.enabled = GetTableValue(kEnableL + row) != 0.0f;
-    ch.mode = int32_t(GetTableValue(kModeL + row)) == kModeCalibrated ? kModeCalibrated : kModeManual;
+    ch.enabled = BlockValue(kEnableL + row) != 0.0f;
+    ch.mode = int32_t(BlockValue(kModeL + row)) == kModeCalibrated ? kModeCalibrated : kModeManual;
     if (ch.mode == kModeManual) {
-        const float s = GetTableValue(kStepsL + row) + GetTableValue(kStepsFineL + row);
+        const float s = BlockValue(kStepsL + row) + BlockValue(kStepsFineL + row);
         ch.halfSteps = s * 0.5f;
-        ch.gridOffset = GetTableValue(kOffsetL + row) * 0.01f * (2.0f / s);
+        ch.gridOffset = BlockValue(kOffsetL + row) * 0.01f * (2.0f / s);
         // The scale fields stay as they were.
     } else {
-        ch.scaleEnabled = GetTableValue(kEnableScaleL + scaleRow) != 0.0f;
-        ch.keySum = int32_t(GetTableValue(kKeyL + scaleRow)) + int32_t(GetTableValue(kKeyOffsetL + scaleRow));
-        const int32_t index = std::max(0, int32_t(GetTableValue(kScaleL + scaleRow)));
-        const int32_t count = audioScaleCount.load(std::memory_order_acquire);
-        if (count == 0) {
+        ch.scaleEnabled = BlockValue(kEnableScaleL + scaleRow) != 0.0f;
+        ch.keySum = int32_t(BlockValue(kKeyL + scaleRow)) + int32_t(BlockValue(kKeyOffsetL + scaleRow));
+        const int32_t index = std::max(0, int32_t(BlockValue(kScaleL + scaleRow)));
+        if (scaleCount == 0) {
             ch.scaleEnabled = false;  // and scaleIndex keeps its former value
         } else {
-            ch.scaleIndex = std::min(index, count - 1);
+            ch.scaleIndex = std::min(index, scaleCount - 1);
         }
     }
-    ch.transpose = GetTableValue(kTransposeL + row);
-    ch.smoother.Configure(GetTableValue(kSmoothingL + row), sampleRate);
+    ch.transpose = BlockValue(kTransposeL + row);
+    ch.smoother.Configure(BlockValue(kSmoothingL + row), sampleRate);
 }
 
 void BrelCorvane::BuildTable(int c, const BR::QuantizerTable& source) {
@@ -84,9 +83,15 @@ void BrelCorvane::BuildTable(int c, const BR::QuantizerTable& source) {
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
     const uint32_t generation = calibrationGeneration.load(std::memory_order_acquire);
+    const int32_t scaleCount = audioScaleCount.load(std::memory_order_acquire);
+    // The channel settings follow from the rows, the rate (a new rate marks every row) and the
+    // number of scales; the tables from those and the calibration. Nothing moved: nothing to do.
+    const bool settingsDue = RowsChanged() || scaleCount != readScaleCount;
+    if (!settingsDue && generation == builtGeneration) return true;
+    readScaleCount = scaleCount;
     const bool tablesBuilt = generation == builtGeneration;
     for (int c = 0; c < 2; ++c) {
-        ReadChannelParameters(c);
+        if (settingsDue) ReadChannelParameters(c, scaleCount);
         const Channel& ch = channels[c];
         if (!tablesBuilt || ch.scaleEnabled != ch.builtScaleEnabled || ch.keySum != ch.builtKeySum ||
             ch.scaleIndex != ch.builtScaleIndex)

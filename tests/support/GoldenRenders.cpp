@@ -304,6 +304,129 @@ std::vector<GoldenCase> MakeCases() {
     master.voices = 3;
     master.voiceSettings = Concat(allSignals, {{"Env 1 Time R1", 0.02f}});
     add(master);
+
+    // Quantizer
+    add({"quantizer_manual_smoothing",
+         "quantizer",
+         {{"Enable L", 1},
+          {"Steps L", 12},
+          {"Offset L", 25.0f},
+          {"Transpose L", 3},
+          {"Smoothing L", 2.0f},
+          {"Enable R", 1},
+          {"Steps R", 7},
+          {"Steps Fine R", 0.5f},
+          {"Smoothing R", -4.0f}},
+         {},
+         {{3300, "Steps L", 24}, {5300, "Transpose R", -5}, {6700, "Enable L", 0}},
+         Input::Sines});
+    add({"quantizer_calibrated_scales",
+         "quantizer",
+         {{"Enable L", 1},
+          {"Mode L", 1},
+          {"Enable Scale L", 1},
+          {"Key L", 2},
+          {"Scale L", 1},
+          {"Enable R", 1},
+          {"Mode R", 1},
+          {"Transpose R", 2},
+          {"Smoothing R", 1.0f}},
+         {},
+         {{2500, "Key L", 7}, {4500, "Enable Scale R", 1}, {6700, "Mode L", 0}},
+         Input::Sines});
+
+    // Gate controllers: note channels, gate groups with trigger lengths, inputs to gates, clock
+    const std::vector<MidiAt> gateNotes =
+        Join(Notes(30, 600, 350, 12, {60, 64, 55, 72}), Notes(90, 450, 200, 16, {36, 37, 38, 41, 43}, 1));
+    add({"ardent_notes_groups_clock",
+         "ardentcontroller",
+         {{"Output 4", 17},
+          {"Ch 1 Vel Output", 2},
+          {"Ch 1 Note Priority", 1},
+          {"Ch 2 MIDI Channel", 1},
+          {"Gates 5 MIDI Channel", 2},
+          {"Gates 5 Base Note", 36},
+          {"Trigger 5/2 Length", 3.0f},
+          {"MIDI Out Clock", 1},
+          {"MIDI Clock Swing", 60.0f},
+          {"Input 1", 1},
+          {"Input Mode 1", 1},
+          {"Input 1 To Gate", 9},
+          {"Input Thru", 0}},
+         gateNotes,
+         {{2500, "Output 4", 200}, {4500, "Input 1", 3}, {6100, "Ch 1 Gate Output", 12}},
+         Input::Sines,
+         true,
+         128.0,
+         0.25,
+         {{5500, false}, {7100, true}}});
+    add({"basalt_groups_inputs_clock",
+         "basaltcontroller",
+         {{"Output 2", 33},
+          {"Gates 1 MIDI Channel", 1},
+          {"Gates 1 Base Note", 60},
+          {"Gates 6 MIDI Channel", 2},
+          {"Gates 6 Base Note", 36},
+          {"Trigger 6/3 Length", 2.0f},
+          {"MIDI Out Clock", 1},
+          {"Use MIDI SPP", 1},
+          {"MIDI Out MIDI Channel", 1},
+          {"MIDI Out Polyphony", 2},
+          {"Input 3 To Gate", 20},
+          {"Input 8 To Gate", 41},
+          {"Input Thru", 2}},
+         gateNotes,
+         {{3000, "Output 2", 90}, {5200, "Input 3 To Gate", 2}, {6600, "MIDI Clock Swing", 70.0f}},
+         Input::Sines,
+         true,
+         96.0,
+         1.0,
+         {{4800, false}, {6000, true}}});
+
+    // SMUX
+    add({"smux_flips",
+         "smux",
+         {{"Flip R", 1}},
+         {},
+         {{3001, "Flip L", 1}, {6002, "Flip R", 0}},
+         Input::Sines});
+
+    // Follower
+    add({"follower_pitch_envelope",
+         "follower",
+         {{"Env Attack", 5.0f},
+          {"Env Release", 80.0f},
+          {"Output Pitch R", 0.5f},
+          {"Output Env L", 0.3f},
+          {"Smoothing L", 2.0f},
+          {"Lowpass Cutoff", 300.0f}},
+         {},
+         {{3300, "Env Gain", 24.0f}, {5300, "Pitch Mode", 1}, {7000, "Highpass Cutoff", 20.0f}},
+         Input::Sines});
+
+    // CV To MIDI: its audio passes through; the messages leave through its ring
+    add({"cvtomidi_cc_notes",
+         "cvtomidi",
+         {{"Enable CC L", 1}, {"Send CC L", 7}, {"Enable Note R", 1}, {"Max Rate R", 200.0f}},
+         {},
+         {{4500, "Enable L", 0}, {6000, "Pitch Slope R", 24.0f}},
+         Input::Sines});
+
+    // The other hardware modules
+    add({"acencoder_levels",
+         "acencoder",
+         {{"Enable L", 1}, {"Min Output Level L", 0.2f}, {"Enable R", 1}, {"Input Polarity R", 1}},
+         {},
+         {{4500, "Max Output Level R", 0.5f}},
+         Input::Sines});
+    add({"cvinput_modes",
+         "cvinput",
+         {{"Mode L", 1}, {"Level L", 0.5f}, {"Smoothing L", 3.0f}, {"Mode R", 2}, {"Scale R", -2.0f}},
+         {},
+         {{4500, "Level L", 0.9f}, {6000, "Scale R", 1.5f}},
+         Input::Sines});
+    add({"cinder_defaults", "cindercombiner", {}, {}, {}, Input::Sines});
+    add({"dunmore_defaults", "dunmorecombiner", {}, {}, {}, Input::Sines});
     return cases;
 }
 
