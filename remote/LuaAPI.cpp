@@ -26,13 +26,17 @@ int SetParameter(lua_State* L) {
     // No range error here, unlike its companions; an id outside the table changes nothing.
     const int32_t id = helper->ParameterArgument(L, 1, false);
     const float value = float(luaL_checknumber(L, 2));
-    if (id >= 0 && id < helper->NumParameters()) helper->Owner()->SetTableValue(id, value);
+    // A timer may fire while the host is still building the parameter objects (scripts run when the
+    // instance is made): until they are all there, a set changes nothing and a get gives 0.
+    if (id >= 0 && id < helper->NumParameters() && helper->Owner()->ParametersReady())
+        helper->Owner()->SetTableValue(id, value);
     return 0;
 }
 
 int GetParameter(lua_State* L) {
     LuaMIDIHelper* helper = Helper(L);
-    lua_pushnumber(L, helper->Owner()->GetTableValue(helper->ParameterArgument(L, 1, true)));
+    const int32_t id = helper->ParameterArgument(L, 1, true);
+    lua_pushnumber(L, helper->Owner()->ParametersReady() ? helper->Owner()->GetTableValue(id) : 0.0f);
     return 1;
 }
 

@@ -226,6 +226,10 @@ IpEndpointName OSCHelper::ParseClientAddress(const char* text) {
         *colon = '\0';
         port = std::atoi(colon + 1);  // the decimal read stops at a trailing "/"
     }
+    // The library's look-up goes through the C library's gethostbyname, whose result lives in one
+    // static buffer: the receive threads of all instances (and scripts' sendOSC) take turns.
+    static std::mutex lookupLock;
+    std::lock_guard<std::mutex> guard(lookupLock);
     return IpEndpointName(GetHostByName(start), port);
 }
 
