@@ -60,18 +60,66 @@ unsigned long LocalAddressFor(const IpEndpointName& endpoint) {
     return address;
 }
 
-// The library checks the other arguments against the message's end, but not the size of a blob: one
-// whose size runs past the end of its message (or is negative) is refused here, before anything reads
-// its bytes. The scan stops at the first bad blob, so no argument behind it is read either.
-void CheckBlobs(const osc::ReceivedMessage& message, const char* end) {
-    for (auto arg = message.ArgumentsBegin(); arg != message.ArgumentsEnd(); ++arg) {
-        if (!arg->IsBlob()) continue;
-        const void* data = nullptr;
-        osc::osc_bundle_element_size_t size = 0;
-        arg->AsBlobUnchecked(data, size);
-        const char* start = static_cast<const char*>(data);
-        if (size < 0 || start > end || size > end - start)
-            throw osc::MalformedMessageException("blob exceeds message size");
+// The end of the string at `p`, padded to four bytes, or null when it does not end inside the message.
+const char* SkipString(const char* p, const char* end) {
+    const void* zero = std::memchr(p, 0, size_t(end - p));
+    if (!zero) return nullptr;
+    const size_t length = ((static_cast<const char*>(zero) - p) + 4) & ~size_t(3);
+    return length <= size_t(end - p) ? p + length : nullptr;
+}
+
+// The library walks a message's arguments by their sizes before checking them, and takes a blob's size
+// field as it stands: a blob whose size runs past the end of the message makes it read far outside the
+// packet. Such a message is refused here, from its raw bytes, before the library sees it. Any other
+// fault stops the walk and is left to the library, which refuses it with its own text.
+void CheckBlobs(const char* data, const char* end) {
+    if (end <= data) return;
+    const char* tags = SkipString(data, end);
+    if (!tags || tags == end || *tags != ',') return;
+    const char* p = SkipString(tags, end);
+    if (!p) return;
+    for (const char* tag = tags + 1; *tag; ++tag) {
+        size_t bytes = 0;
+        switch (*tag) {
+            case 'i':
+            case 'f':
+            case 'c':
+            case 'r':
+            case 'm':
+                bytes = 4;
+                break;
+            case 'h':
+            case 't':
+            case 'd':
+                bytes = 8;
+                break;
+            case 's':
+            case 'S':
+                p = SkipString(p, end);
+                if (!p) return;
+                continue;
+            case 'b': {
+                if (end - p < 4) return;
+                const uint32_t size = uint32_t(uint8_t(p[0])) << 24 | uint32_t(uint8_t(p[1])) << 16 |
+                                      uint32_t(uint8_t(p[2])) << 8 | uint32_t(uint8_t(p[3]));
+                const uint64_t padded = (uint64_t(size) + 3) & ~uint64_t(3);
+                if (size > 0x7FFFFFFFu || padded > uint64_t(end - p - 4))
+                    throw osc::MalformedMessageException("blob exceeds message size");
+                p += 4 + padded;
+                continue;
+            }
+            case 'T':
+            case 'F':
+            case 'N':
+            case 'I':
+            case '[':
+            case ']':
+                break;
+            default:
+                return;
+        }
+        if (size_t(end - p) < bytes) return;
+        p += bytes;
     }
 }
 
@@ -84,9 +132,8 @@ void OSCHelper::ProcessPacket(const char* data, int size, const IpEndpointName& 
         if (size >= 1 && data[0] == '#') {
             ProcessBundle(osc::ReceivedBundle(osc::ReceivedPacket(data, size)), remoteEndpoint);
         } else {
-            const osc::ReceivedMessage message{osc::ReceivedPacket(data, size)};
-            CheckBlobs(message, data + size);
-            ProcessMessage(message, remoteEndpoint);
+            if (size > 0) CheckBlobs(data, data + size);
+            ProcessMessage(osc::ReceivedMessage(osc::ReceivedPacket(data, size)), remoteEndpoint);
         }
     } catch (const osc::Exception& e) {
         std::printf("error while parsing message: %s\n", e.what());
@@ -97,6 +144,7 @@ void OSCHelper::ProcessPacket(const char* data, int size, const IpEndpointName& 
 void OSCHelper::ProcessBundle(const osc::ReceivedBundle& bundle, const IpEndpointName& remoteEndpoint) {
     if (bundle.ElementCount() > 0) {
         const osc::ReceivedBundleElement first = *bundle.ElementsBegin();
+        if (!first.IsBundle()) CheckBlobs(first.Contents(), first.Contents() + first.Size());
         if (!first.IsBundle() &&
             std::strncmp(osc::ReceivedMessage(first).AddressPattern(), "/t3d/frm", 8) == 0) {
             ProcessTouchFrame(bundle);
@@ -107,9 +155,8 @@ void OSCHelper::ProcessBundle(const osc::ReceivedBundle& bundle, const IpEndpoin
         if (it->IsBundle()) {
             ProcessBundle(osc::ReceivedBundle(*it), remoteEndpoint);
         } else {
-            const osc::ReceivedMessage message(*it);
-            CheckBlobs(message, it->Contents() + it->Size());
-            ProcessMessage(message, remoteEndpoint);
+            CheckBlobs(it->Contents(), it->Contents() + it->Size());
+            ProcessMessage(osc::ReceivedMessage(*it), remoteEndpoint);
         }
     }
 }
@@ -118,8 +165,8 @@ void OSCHelper::ProcessTouchFrame(const osc::ReceivedBundle& bundle) {
     try {
         for (auto it = bundle.ElementsBegin(); it != bundle.ElementsEnd(); ++it) {
             if (it->IsBundle()) continue;
+            CheckBlobs(it->Contents(), it->Contents() + it->Size());
             const osc::ReceivedMessage message(*it);
-            CheckBlobs(message, it->Contents() + it->Size());
             const char* address = message.AddressPattern();
             if (std::strncmp(address, "/t3d/frm", 8) == 0 || std::strncmp(address, "/t3d/tch", 8) != 0)
                 continue;
