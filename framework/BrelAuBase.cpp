@@ -14,10 +14,13 @@ int32_t BrelAuBase::Initialize(BR::HostController* controller_, BR::HostTranspor
     transport = transport_;
     initialTransport = transport_;
     automation = automation_;
-    return EffectInit();
+    const int32_t result = EffectInit();
+    parametersReady.store(true, std::memory_order_release);
+    return result;
 }
 
 int32_t BrelAuBase::Uninitialize() {
+    parametersReady.store(false, std::memory_order_release);
     masterBypass = nullptr;
     parameterMap.clear();
     parameterList.clear();

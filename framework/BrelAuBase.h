@@ -40,6 +40,10 @@ public:
     int32_t Initialize(BR::HostController* controller, BR::HostTransport* transport,
                        BR::AutomationDelegate* automation);
     int32_t Uninitialize();
+    // True from the end of Initialize to Uninitialize: the parameter objects are all built and stay.
+    // Other threads that reach this instance through the registry (an OSC /brel/ path, a script's
+    // setOthersParameter) look at it first, since an instance is listed from its construction on.
+    bool ParametersReady() const { return parametersReady.load(std::memory_order_acquire); }
 
     // Parameter list queries, bounds-checked: an index outside the list gives no object.
     int32_t GetNumberOfParameters() const { return int32_t(parameterList.size()); }
@@ -103,6 +107,7 @@ protected:
     BR::HostTransport* initialTransport = nullptr;  // the one given at Initialize
     BR::AutomationDelegate* automation = nullptr;
     std::vector<std::unique_ptr<BR::Parameter>> parameterList;
+    std::atomic<bool> parametersReady{false};
     std::map<std::string, BR::Parameter*> parameterMap;
     std::atomic<uint32_t> numChanges{0};
     std::unique_ptr<std::atomic<uint64_t>[]> changedWords;

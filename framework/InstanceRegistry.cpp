@@ -57,9 +57,11 @@ uint32_t LowestFreeLocalId(InstanceEntry& self) {
     return id;
 }
 
+// An instance whose parameter objects are not built yet (or no longer) has no port and takes no
+// parameter changes from other threads.
 int32_t PortOf(BrelCorvaneBase* instance) {
     int32_t port = 0;
-    instance->GetProperty(kPropertyOSCPortOffset, &port);
+    if (instance->ParametersReady()) instance->GetProperty(kPropertyOSCPortOffset, &port);
     return port;
 }
 
@@ -166,14 +168,14 @@ void SetParameterByPort(int32_t port, int32_t tableIndex, float value) {
     // A setter notifies receivers, which may add or remove entries: walk a copy.
     const std::vector<InstanceEntry> snapshot = TheRegistry().entries;
     for (const InstanceEntry& entry : snapshot)
-        if (EntryOf(entry.instance) && PortOf(entry.instance) == port)
+        if (EntryOf(entry.instance) && entry.instance->ParametersReady() && PortOf(entry.instance) == port)
             entry.instance->SetParameterValue(tableIndex + 1, value);
 }
 
 float GetParameterByPort(int32_t port, int32_t tableIndex) {
     Guard guard(Lock());
     for (const InstanceEntry& entry : TheRegistry().entries) {
-        if (PortOf(entry.instance) != port) continue;
+        if (!entry.instance->ParametersReady() || PortOf(entry.instance) != port) continue;
         const Parameter* parameter = entry.instance->GetParameter(tableIndex + 1);
         return parameter ? parameter->GetValueAsFloat() : 0.0f;
     }
@@ -202,7 +204,7 @@ bool SetParameterByAddress(const ParameterAddress& address, float value) {
     const std::vector<InstanceEntry> snapshot = TheRegistry().entries;
     for (const InstanceEntry& snap : snapshot) {
         InstanceEntry* entry = EntryOf(snap.instance);
-        if (!entry) continue;
+        if (!entry || !entry->instance->ParametersReady()) continue;
         bool endsSearch = false;
         if (!address.moduleName) {
             // Every entry holds its global id from AddInstance on; local ids stay unassigned here.

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "framework/InstanceRegistry.h"
+
 namespace BR {
 
 HostDriver::HostDriver(std::unique_ptr<BrelCorvaneBase> module_, const CatalogueEntry& entry_,
@@ -25,6 +27,10 @@ HostDriver::HostDriver(std::unique_ptr<BrelCorvaneBase> module_, const Catalogue
 }
 
 HostDriver::~HostDriver() {
+    // Out of the registry first: a /brel/ dispatch of another instance's server, which holds the
+    // registry's lock, then either finishes before this returns or no longer finds the module, and
+    // never reaches it while its derived part is being destroyed.
+    InstanceRegistry::RemoveInstance(module.get());
     // The module's server threads and script timers end before any part of it is taken down.
     module->ShutdownModule();
 }

@@ -3,6 +3,7 @@
 #include <lua.hpp>
 
 #include "LuaMIDIHelper.h"
+#include "LuaNumbers.h"
 #include "framework/BrelCorvaneBase.h"
 
 namespace BR {
@@ -24,10 +25,10 @@ int AddScale(lua_State* L) {
     const int count = int(lua_objlen(L, 2));
     for (int i = 1; i <= count; ++i) {
         lua_rawgeti(L, 2, i);
-        const int degree = int(lua_tonumber(L, -1));
+        const int32_t degree = SaturatedInt32(lua_tonumber(L, -1));
         lua_pop(L, 1);
         // The shift counts modulo 32, as the processor's does; the 16-bit cut drops the rest.
-        mask |= uint32_t(1) << ((degree - 1) & 31);
+        mask |= uint32_t(1) << ((int64_t(degree) - 1) & 31);
     }
     Helper(L)->Owner()->AddScale(name, mask & 0xFFFF);
     return 0;

@@ -5,6 +5,7 @@
 #include <lua.hpp>
 
 #include "LuaMIDIHelper.h"
+#include "LuaNumbers.h"
 #include "OSCHelper.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/InstanceRegistry.h"
@@ -25,13 +26,17 @@ int SetParameter(lua_State* L) {
     // No range error here, unlike its companions; an id outside the table changes nothing.
     const int32_t id = helper->ParameterArgument(L, 1, false);
     const float value = float(luaL_checknumber(L, 2));
-    if (id >= 0 && id < helper->NumParameters()) helper->Owner()->SetTableValue(id, value);
+    // A timer may fire while the host is still building the parameter objects (scripts run when the
+    // instance is made): until they are all there, a set changes nothing and a get gives 0.
+    if (id >= 0 && id < helper->NumParameters() && helper->Owner()->ParametersReady())
+        helper->Owner()->SetTableValue(id, value);
     return 0;
 }
 
 int GetParameter(lua_State* L) {
     LuaMIDIHelper* helper = Helper(L);
-    lua_pushnumber(L, helper->Owner()->GetTableValue(helper->ParameterArgument(L, 1, true)));
+    const int32_t id = helper->ParameterArgument(L, 1, true);
+    lua_pushnumber(L, helper->Owner()->ParametersReady() ? helper->Owner()->GetTableValue(id) : 0.0f);
     return 1;
 }
 
@@ -80,7 +85,7 @@ int GetNumParameters(lua_State* L) {
 
 int SetOthersParameter(lua_State* L) {
     LuaMIDIHelper* helper = Helper(L);
-    const int32_t other = int32_t(luaL_checknumber(L, 1));
+    const int32_t other = SaturatedInt32(luaL_checknumber(L, 1));
     const int32_t id = helper->ParameterArgument(L, 2, true);
     const float value = float(luaL_checknumber(L, 3));
     InstanceRegistry::SetParameterByPort(other, id, value);
@@ -89,7 +94,7 @@ int SetOthersParameter(lua_State* L) {
 
 int GetOthersParameter(lua_State* L) {
     LuaMIDIHelper* helper = Helper(L);
-    const int32_t other = int32_t(luaL_checknumber(L, 1));
+    const int32_t other = SaturatedInt32(luaL_checknumber(L, 1));
     lua_pushnumber(L, InstanceRegistry::GetParameterByPort(other, helper->ParameterArgument(L, 2, true)));
     return 1;
 }
@@ -198,7 +203,7 @@ int CancelTimer(lua_State* L) {
 }
 
 int32_t IndicatorId(lua_State* L, int index) {
-    const int32_t id = int32_t(luaL_checknumber(L, index));
+    const int32_t id = SaturatedInt32(luaL_checknumber(L, index));
     if (id < 0 || id > 7) luaL_error(L, "indicator id out of range: %d", id);
     return id;
 }
@@ -214,13 +219,13 @@ int GetGUIBoolValue(lua_State* L) {
     return 1;
 }
 int SetOthersGUIBoolValue(lua_State* L) {
-    const int32_t other = int32_t(luaL_checknumber(L, 1));
+    const int32_t other = SaturatedInt32(luaL_checknumber(L, 1));
     const int32_t id = IndicatorId(L, 2);
     InstanceRegistry::SetIndicatorByPort(other, id, lua_toboolean(L, 3) != 0);
     return 0;
 }
 int GetOthersGUIBoolValue(lua_State* L) {
-    const int32_t other = int32_t(luaL_checknumber(L, 1));
+    const int32_t other = SaturatedInt32(luaL_checknumber(L, 1));
     const int32_t id = IndicatorId(L, 2);
     lua_pushboolean(L, InstanceRegistry::GetIndicatorByPort(other, id));
     return 1;

@@ -10,13 +10,23 @@
 #include <cstdlib>
 #include <lua.hpp>
 
+// The sanitizer runtimes refuse RTLD_DEEPBIND; sanitized builds are not plug-ins. GCC says so with
+// __SANITIZE_*__, clang through __has_feature.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define CORVANE_SANITIZED_BUILD 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define CORVANE_SANITIZED_BUILD 1
+#endif
+#endif
+
 namespace {
 
 void* Library() {
     static void* handle = [] {
         int flags = RTLD_NOW | RTLD_LOCAL;
-#if !defined(__SANITIZE_ADDRESS__)
-        flags |= RTLD_DEEPBIND;  // the sanitizer runtime refuses it; sanitized builds are not plug-ins
+#if !defined(CORVANE_SANITIZED_BUILD)
+        flags |= RTLD_DEEPBIND;
 #endif
         void* h = dlopen("liblua5.1-c++.so.0", flags);
         if (!h) {

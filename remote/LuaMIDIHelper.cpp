@@ -10,6 +10,7 @@
 #include <iterator>
 #include <lua.hpp>
 
+#include "LuaNumbers.h"
 #include "OSCHelper.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/MessageQueue.h"
@@ -315,7 +316,7 @@ void LuaMIDIHelper::HandleEvent(const MessageQueueItem& event) {
 int32_t LuaMIDIHelper::ParameterArgument(lua_State* L, int index, bool checkRange) {
     int32_t id = 0;
     if (lua_isnumber(L, index)) {
-        id = int32_t(lua_tonumber(L, index));
+        id = SaturatedInt32(lua_tonumber(L, index));
     } else {
         const char* name = luaL_checkstring(L, index);
         auto it = paramLookup ? paramLookup->find(name) : std::map<std::string, int32_t>::iterator();

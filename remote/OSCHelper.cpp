@@ -193,6 +193,7 @@ void OSCHelper::NotifyMain() {
         if (notifyEvents.Wait() == kQuitEvent) return;
         SetParamQueue::Entry entry;
         while (updateQueue.Read(entry)) {
+            std::lock_guard<std::mutex> guard(subscriptionLock);
             auto [first, last] = updateClients.equal_range(entry.id);
             for (auto it = first; it != last; ++it)
                 SendUpdate(it->second, entry.id, entry.value);
@@ -223,6 +224,10 @@ IpEndpointName OSCHelper::ParseClientAddress(const char* text) {
         *colon = '\0';
         port = std::atoi(colon + 1);  // the decimal read stops at a trailing "/"
     }
+    // The library's look-up goes through the C library's gethostbyname, whose result lives in one
+    // static buffer: the receive threads of all instances (and scripts' sendOSC) take turns.
+    static std::mutex lookupLock;
+    std::lock_guard<std::mutex> guard(lookupLock);
     return IpEndpointName(GetHostByName(start), port);
 }
 
@@ -236,14 +241,18 @@ void OSCHelper::SendPacket(const IpEndpointName& endpoint, const char* data, siz
 }
 
 bool OSCHelper::UpdateFlag(int32_t id) const {
-    return id >= 0 && size_t(id) < updateFlags.size() && updateFlags[size_t(id)] != 0;
+    return id >= 0 && size_t(id) < updateFlags.size() &&
+           std::atomic_ref<uint8_t>(const_cast<uint8_t&>(updateFlags[size_t(id)]))
+                   .load(std::memory_order_relaxed) != 0;
 }
 
 size_t OSCHelper::NumUpdateClients(int32_t id) const {
+    std::lock_guard<std::mutex> guard(subscriptionLock);
     return updateClients.count(id);
 }
 
 std::string OSCHelper::MessageHistory(int index) const {
+    std::lock_guard<std::mutex> guard(historyLock);
     return index >= 0 && index < kHistorySize ? messageHistory[index] : std::string();
 }
 

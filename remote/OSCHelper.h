@@ -82,7 +82,7 @@ public:
     bool UpdateFlag(int32_t id) const;
     size_t NumUpdateClients(int32_t id) const;
     std::string MessageHistory(int index) const;
-    int32_t MessageHistoryIndex() const { return messageHistoryIndex; }
+    int32_t MessageHistoryIndex() const { return messageHistoryIndex.load(std::memory_order_acquire); }
     // Messages taken from the socket so far, bundle elements included.
     uint64_t NumMessages() const { return numMessages.load(std::memory_order_acquire); }
     BrelCorvaneBase* Owner() const { return owner; }
@@ -138,13 +138,22 @@ private:
     // Set by StopTasks until its threads have ended: a start signal that the receive thread takes just
     // before the stop cannot open a socket whose loop nobody would break.
     bool stopRequested = false;
+    // The subscriptions: changed by the receive thread, read by the notify thread as it sends. A
+    // subscription may come while updates flow, so both hold the lock (neither is the audio thread).
+    mutable std::mutex subscriptionLock;
     std::multimap<int32_t, OSCUpdateClient> updateClients;
-    std::vector<uint8_t> updateFlags;
+    std::vector<uint8_t> updateFlags;  // byte-wide flags, read by any parameter setter without a lock
     SetParamQueue updateQueue;
+    // The Lua-registered addresses: a script may register one on any thread (a MIDI callback, a
+    // timer, /exec) while the receive thread looks them up. Held only to look up or change the maps;
+    // never while Lua runs, so that it cannot meet luaLock the other way round.
+    mutable std::mutex pathLock;
     std::multimap<std::string, std::vector<OSCParameterTarget>> parameterPaths;
     std::multimap<std::string, int> functionPaths;
+    // The last messages, for the editor's display on its own thread.
+    mutable std::mutex historyLock;
     std::string messageHistory[kHistorySize];
-    int32_t messageHistoryIndex = 0;
+    std::atomic<int32_t> messageHistoryIndex{0};
     std::atomic<uint64_t> numMessages{0};
 };
 

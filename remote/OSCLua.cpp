@@ -8,6 +8,7 @@
 #include <string>
 
 #include "LuaMIDIHelper.h"
+#include "LuaNumbers.h"
 #include "OSCHelper.h"
 #include "framework/BrelCorvaneBase.h"
 
@@ -77,6 +78,7 @@ int OSCHelper::RegisterOSCPathForParameter(lua_State* L, bool normalised) {
     } else {
         ids.push_back(luaHelper->ParameterArgument(L, 2, true));
     }
+    std::lock_guard<std::mutex> guard(pathLock);
     auto existing = parameterPaths.find(address);
     if (existing != parameterPaths.end() && existing->second.size() != ids.size()) {
         LuaMIDIHelper::LogError("inconsistent sizes in RegisterOSCPathForParameter\n");
@@ -101,7 +103,9 @@ int OSCHelper::RegisterOSCPathForFunction(lua_State* L) {
         return luaL_error(L, "second argument to registerOSCPathForFunction is not a function");
     if (!luaHelper) return 0;
     lua_pushvalue(L, 2);
-    functionPaths.emplace(address, luaL_ref(L, LUA_REGISTRYINDEX));
+    const int ref = luaL_ref(L, LUA_REGISTRYINDEX);
+    std::lock_guard<std::mutex> guard(pathLock);
+    functionPaths.emplace(address, ref);
     return 0;
 }
 
@@ -128,7 +132,7 @@ int OSCHelper::SendOSC(lua_State* L) {
                 } else if (lua_isnumber(L, -1)) {
                     // Only "i" in the format has an effect; every other character means a float.
                     if (format && format[i - 1] == 'i') {
-                        stream << osc::int32(lua_tonumber(L, -1));
+                        stream << osc::int32(SaturatedInt32(lua_tonumber(L, -1)));
                     } else {
                         stream << float(lua_tonumber(L, -1));
                     }
@@ -154,11 +158,17 @@ int OSCHelper::SendOSC(lua_State* L) {
 void OSCHelper::HandleFunctionPath(const std::string& address, const osc::ReceivedMessage& message) {
     if (!luaHelper) throw osc::Exception("no Lua support from OSC");
     lua_State* L = luaHelper->GetLuaState();
-    auto [first, last] = functionPaths.equal_range(address);
-    for (auto it = first; it != last; ++it) {
+    std::vector<int> refs;
+    {
+        std::lock_guard<std::mutex> guard(pathLock);
+        auto [first, last] = functionPaths.equal_range(address);
+        for (auto it = first; it != last; ++it)
+            refs.push_back(it->second);
+    }
+    for (int ref : refs) {
         // The lock covers the pushes too, so that no other thread's call can disturb the stack.
         std::lock_guard<std::recursive_mutex> guard(luaHelper->LuaLock());
-        lua_rawgeti(L, LUA_REGISTRYINDEX, it->second);
+        lua_rawgeti(L, LUA_REGISTRYINDEX, ref);
         const int count = PushArguments(L, message.ArgumentsBegin(), message.ArgumentsEnd());
         if (lua_pcall(L, count, 0, 0) != 0) {
             lua_pop(L, 1);

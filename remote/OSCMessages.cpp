@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "LuaMIDIHelper.h"
+#include "LuaNumbers.h"
 #include "OSCHelper.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/InstanceRegistry.h"
@@ -59,6 +60,69 @@ unsigned long LocalAddressFor(const IpEndpointName& endpoint) {
     return address;
 }
 
+// The end of the string at `p`, padded to four bytes, or null when it does not end inside the message.
+const char* SkipString(const char* p, const char* end) {
+    const void* zero = std::memchr(p, 0, size_t(end - p));
+    if (!zero) return nullptr;
+    const size_t length = ((static_cast<const char*>(zero) - p) + 4) & ~size_t(3);
+    return length <= size_t(end - p) ? p + length : nullptr;
+}
+
+// The library walks a message's arguments by their sizes before checking them, and takes a blob's size
+// field as it stands: a blob whose size runs past the end of the message makes it read far outside the
+// packet. Such a message is refused here, from its raw bytes, before the library sees it. Any other
+// fault stops the walk and is left to the library, which refuses it with its own text.
+void CheckBlobs(const char* data, const char* end) {
+    if (end <= data) return;
+    const char* tags = SkipString(data, end);
+    if (!tags || tags == end || *tags != ',') return;
+    const char* p = SkipString(tags, end);
+    if (!p) return;
+    for (const char* tag = tags + 1; *tag; ++tag) {
+        size_t bytes = 0;
+        switch (*tag) {
+            case 'i':
+            case 'f':
+            case 'c':
+            case 'r':
+            case 'm':
+                bytes = 4;
+                break;
+            case 'h':
+            case 't':
+            case 'd':
+                bytes = 8;
+                break;
+            case 's':
+            case 'S':
+                p = SkipString(p, end);
+                if (!p) return;
+                continue;
+            case 'b': {
+                if (end - p < 4) return;
+                const uint32_t size = uint32_t(uint8_t(p[0])) << 24 | uint32_t(uint8_t(p[1])) << 16 |
+                                      uint32_t(uint8_t(p[2])) << 8 | uint32_t(uint8_t(p[3]));
+                const uint64_t padded = (uint64_t(size) + 3) & ~uint64_t(3);
+                if (size > 0x7FFFFFFFu || padded > uint64_t(end - p - 4))
+                    throw osc::MalformedMessageException("blob exceeds message size");
+                p += 4 + padded;
+                continue;
+            }
+            case 'T':
+            case 'F':
+            case 'N':
+            case 'I':
+            case '[':
+            case ']':
+                break;
+            default:
+                return;
+        }
+        if (size_t(end - p) < bytes) return;
+        p += bytes;
+    }
+}
+
 }  // namespace
 
 void OSCHelper::ProcessPacket(const char* data, int size, const IpEndpointName& remoteEndpoint) {
@@ -68,6 +132,7 @@ void OSCHelper::ProcessPacket(const char* data, int size, const IpEndpointName& 
         if (size >= 1 && data[0] == '#') {
             ProcessBundle(osc::ReceivedBundle(osc::ReceivedPacket(data, size)), remoteEndpoint);
         } else {
+            if (size > 0) CheckBlobs(data, data + size);
             ProcessMessage(osc::ReceivedMessage(osc::ReceivedPacket(data, size)), remoteEndpoint);
         }
     } catch (const osc::Exception& e) {
@@ -79,6 +144,7 @@ void OSCHelper::ProcessPacket(const char* data, int size, const IpEndpointName& 
 void OSCHelper::ProcessBundle(const osc::ReceivedBundle& bundle, const IpEndpointName& remoteEndpoint) {
     if (bundle.ElementCount() > 0) {
         const osc::ReceivedBundleElement first = *bundle.ElementsBegin();
+        if (!first.IsBundle()) CheckBlobs(first.Contents(), first.Contents() + first.Size());
         if (!first.IsBundle() &&
             std::strncmp(osc::ReceivedMessage(first).AddressPattern(), "/t3d/frm", 8) == 0) {
             ProcessTouchFrame(bundle);
@@ -89,6 +155,7 @@ void OSCHelper::ProcessBundle(const osc::ReceivedBundle& bundle, const IpEndpoin
         if (it->IsBundle()) {
             ProcessBundle(osc::ReceivedBundle(*it), remoteEndpoint);
         } else {
+            CheckBlobs(it->Contents(), it->Contents() + it->Size());
             ProcessMessage(osc::ReceivedMessage(*it), remoteEndpoint);
         }
     }
@@ -98,6 +165,7 @@ void OSCHelper::ProcessTouchFrame(const osc::ReceivedBundle& bundle) {
     try {
         for (auto it = bundle.ElementsBegin(); it != bundle.ElementsEnd(); ++it) {
             if (it->IsBundle()) continue;
+            CheckBlobs(it->Contents(), it->Contents() + it->Size());
             const osc::ReceivedMessage message(*it);
             const char* address = message.AddressPattern();
             if (std::strncmp(address, "/t3d/frm", 8) == 0 || std::strncmp(address, "/t3d/tch", 8) != 0)
@@ -125,9 +193,10 @@ void OSCHelper::ProcessTouchFrame(const osc::ReceivedBundle& bundle) {
 }
 
 void OSCHelper::AddToHistory(const std::string& text) {
-    const int32_t index = (messageHistoryIndex + 1) % kHistorySize;
+    std::lock_guard<std::mutex> guard(historyLock);
+    const int32_t index = (messageHistoryIndex.load(std::memory_order_relaxed) + 1) % kHistorySize;
     messageHistory[index] = text;
-    messageHistoryIndex = index;
+    messageHistoryIndex.store(index, std::memory_order_release);
 }
 
 void OSCHelper::ProcessMessage(const osc::ReceivedMessage& message, const IpEndpointName& remoteEndpoint) {
@@ -153,11 +222,17 @@ void OSCHelper::Dispatch(const osc::ReceivedMessage& message, const IpEndpointNa
         return;
     }
     const std::string key(address);
-    if (parameterPaths.count(key)) {
+    bool isParameterPath = false, isFunctionPath = false;
+    {
+        std::lock_guard<std::mutex> guard(pathLock);
+        isParameterPath = parameterPaths.count(key) != 0;
+        isFunctionPath = functionPaths.count(key) != 0;
+    }
+    if (isParameterPath) {
         HandleParameterPath(key, message);
         return;
     }
-    if (functionPaths.count(key)) {
+    if (isFunctionPath) {
         HandleFunctionPath(key, message);
         return;
     }
@@ -211,6 +286,7 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         }
     } else if (std::strcmp(address, "/getAllRegistered") == 0) {
         args >> osc::EndMessage;
+        std::lock_guard<std::mutex> guard(subscriptionLock);
         for (const auto& [clientId, updateClient] : updateClients) {
             Reply reply(updateClient.path.c_str());
             reply.Stream() << osc::int32(clientId) << ParameterValue(clientId);
@@ -240,6 +316,7 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         args >> id >> client >> replyPath >> osc::EndMessage;
         CheckedId(id, "parameter id out of range in registerUpdate");
         const IpEndpointName endpoint = ParseClientAddress(client);
+        std::lock_guard<std::mutex> guard(subscriptionLock);
         auto [first, last] = updateClients.equal_range(id);
         for (auto it = first; it != last; ++it)
             if (it->second.endpoint == endpoint && it->second.path == replyPath) return true;
@@ -250,6 +327,7 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         // The same text as /registerUpdate's, deliberately: clients already match on it.
         CheckedId(id, "parameter id out of range in registerUpdate");
         const IpEndpointName endpoint = ParseClientAddress(client);
+        std::lock_guard<std::mutex> guard(subscriptionLock);
         auto [first, last] = updateClients.equal_range(id);
         for (auto it = first; it != last;) {
             if (it->second.endpoint == endpoint && it->second.path == replyPath) {
@@ -269,7 +347,8 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
         if (luaHelper) {
             // Channel 1, the second channel as the hooks count them: the fixed channel of these
             // commands, kept as it is.
-            const int32_t velocity = int32_t(double(value) * 127.0);  // a double product, then truncated
+            // A double product, then truncated (held at the ends of the range: any float can arrive).
+            const int32_t velocity = SaturatedInt32(double(value) * 127.0);
             if (address[2] == 't' && address[3] == 'a') {
                 luaHelper->NoteOn(1, id, velocity);
             } else {
@@ -283,16 +362,24 @@ bool OSCHelper::HandleCommand(const char* address, const osc::ReceivedMessage& m
 }
 
 void OSCHelper::HandleParameterPath(const std::string& address, const osc::ReceivedMessage& message) {
-    auto [first, last] = parameterPaths.equal_range(address);
-    const size_t count = first->second.size();
+    // The targets are copied out, so that a script registering a path meanwhile changes nothing here.
+    std::vector<std::vector<OSCParameterTarget>> registered;
+    {
+        std::lock_guard<std::mutex> guard(pathLock);
+        auto [first, last] = parameterPaths.equal_range(address);
+        for (auto it = first; it != last; ++it)
+            registered.push_back(it->second);
+    }
+    if (registered.empty()) return;
+    const size_t count = registered.front().size();
     std::vector<float> values(count);
     osc::ReceivedMessageArgumentStream args = message.ArgumentStream();
     for (float& v : values)
         args >> v;
     args >> osc::EndMessage;
-    for (auto it = first; it != last; ++it)
-        for (size_t i = 0; i < count && i < it->second.size(); ++i) {
-            const OSCParameterTarget& target = it->second[i];
+    for (const std::vector<OSCParameterTarget>& targets : registered)
+        for (size_t i = 0; i < count && i < targets.size(); ++i) {
+            const OSCParameterTarget& target = targets[i];
             owner->SetTableValue(target.id, values[i] * target.scale + target.offset);
         }
 }

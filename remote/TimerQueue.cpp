@@ -68,7 +68,10 @@ void TimerQueue::Run() {
             continue;
         }
         if (earliest->second.due > Clock::now()) {
-            wake.wait_until(guard, earliest->second.due);
+            // A copy: the timer may be deleted while the lock is released, and the wait reads the
+            // time again when it wakes.
+            const Clock::time_point due = earliest->second.due;
+            wake.wait_until(guard, due);
             continue;
         }
         const Handle handle = earliest->first;

@@ -62,6 +62,13 @@ bool CalibrationTable::LoadChunk(const uint8_t* data, uint32_t length) {
     if (uint64_t(length) < uint64_t(count) * 5 + 8) return false;
     const uint32_t taken = std::min<uint32_t>(count, kCalibrationEntries);
     const uint8_t* flags = data + 8 + size_t(count) * 4;
+    // A value that is not finite marks a damaged entry: the table is left as it was.
+    for (uint32_t k = 0; k < taken; ++k) {
+        const uint32_t bits = ReadU32(data + 8 + k * 4);
+        float value;
+        std::memcpy(&value, &bits, 4);
+        if (!std::isfinite(value)) return false;
+    }
     for (uint32_t k = 0; k < taken; ++k) {
         const uint32_t bits = ReadU32(data + 8 + k * 4);
         std::memcpy(&notes[k].value, &bits, 4);

@@ -53,7 +53,8 @@ struct CalibrationTable {
 
     // "calt" chunk payload: version 1, count 129, the values, the valid bytes (653 bytes).
     std::vector<uint8_t> SaveChunk() const;
-    // False, leaving the table as it is, for a payload too short or of another version.
+    // False, leaving the table as it is, for a payload too short, of another version, or holding a value
+    // that is not finite.
     bool LoadChunk(const uint8_t* data, uint32_t length);
 };
 

@@ -2,6 +2,7 @@
 #include "Quantizer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "framework/StateChunkStore.h"
@@ -222,6 +223,12 @@ int32_t BrelCorvane::SetProperty(uint32_t id, const void* data, uint32_t size) {
         }
         case BR::kPropertyQuantizerTable: {
             if (!data || size < sizeof(BR::QuantizerTable)) return BR::kErrInvalidProperty;
+            // A voltage that is not finite (a damaged session, a bad transfer) would make the outputs NaN:
+            // such a grid is refused whole and the one in use stays.
+            const auto* table = static_cast<const BR::QuantizerTable*>(data);
+            const int32_t given = std::clamp<int32_t>(table->count, 0, BR::kCalibrationEntries);
+            for (int32_t i = 0; i < given; ++i)
+                if (!std::isfinite(table->voltages[i])) return BR::kErrInvalidProperty;
             // Written without a lock while the audio thread may read it: a block may see half the old
             // table, and the generation bumped behind the copy has the next block build it again.
             std::memcpy(&calibration, data, sizeof calibration);

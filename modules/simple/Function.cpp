@@ -1,6 +1,7 @@
 // Function: table, block-rate reading of the enabled channels, and the four transfer curves.
 #include "Function.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -27,6 +28,7 @@ constexpr BR::ModuleConfig kConfig{2, 2, 0, 0, kOSCPortOffset, 1, presetTable, k
 // log2(u) as ln(u) * 1.442695, and 2^v as exp(v * 0.6931472): the curves' own constants.
 constexpr float kLog2OfE = 1.442695f;
 constexpr float kLnOf2 = 0.6931472f;
+constexpr float kMaxExponent = 115.0f * kLnOf2;  // e^this is 2^115, about 4e34
 
 }  // namespace
 
@@ -80,8 +82,10 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
                     break;
                 case kExponential: {
                     const float shift = o - 1.0f;
+                    // A large input (another module's pitch in Hz, say) would overflow to infinity: the
+                    // power is held at 2^115, finite at any output scale. Inputs below it are untouched.
                     for (uint32_t i = 0; i < frames; ++i)
-                        y[i] = std::exp((x[i] * s + shift) * kLnOf2) * g + h;
+                        y[i] = std::exp(std::min((x[i] * s + shift) * kLnOf2, kMaxExponent)) * g + h;
                     break;
                 }
                 case kAbsolute:
