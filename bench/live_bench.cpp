@@ -14,8 +14,8 @@ namespace {
 
 std::string MakePatch(int instances, uint32_t period) {
     const std::string path =
-        (std::filesystem::temp_directory_path() / ("corvane_live_bench_" + std::to_string(instances) + "_" +
-                                                   std::to_string(period) + ".json"))
+        (std::filesystem::temp_directory_path() /
+         ("corvane_live_bench_" + std::to_string(instances) + "_" + std::to_string(period) + ".json"))
             .string();
     std::ofstream out(path);
     out << "{\"rate\": 48000, \"block\": " << period << ", \"instances\": [";
@@ -23,10 +23,17 @@ std::string MakePatch(int instances, uint32_t period) {
         const std::string lfo = "\"i" + std::to_string(k - k % 4) + ":0\"";
         out << (k ? ", " : "") << "{\"name\": \"i" << k << "\", ";
         switch (k % 4) {
-        case 0: out << "\"module\": \"lfo\", \"set\": {\"Sine L\": 1, \"Triangle R\": 1}}"; break;
-        case 1: out << "\"module\": \"voicecontroller\"}"; break;
-        case 2: out << "\"module\": \"sync\", \"set\": {\"DINsync Type\": 1}, \"inputs\": [" << lfo << "]}"; break;
-        default: out << "\"module\": \"dc\", \"set\": {\"Input Multiply L\": 1}, \"inputs\": [" << lfo << "]}";
+            case 0:
+                out << "\"module\": \"lfo\", \"set\": {\"Sine L\": 1, \"Triangle R\": 1}}";
+                break;
+            case 1:
+                out << "\"module\": \"voicecontroller\"}";
+                break;
+            case 2:
+                out << "\"module\": \"sync\", \"set\": {\"DINsync Type\": 1}, \"inputs\": [" << lfo << "]}";
+                break;
+            default:
+                out << "\"module\": \"dc\", \"set\": {\"Input Multiply L\": 1}, \"inputs\": [" << lfo << "]}";
         }
     }
     out << "]}";
@@ -71,8 +78,9 @@ void BM_LivePeriod(benchmark::State& state) {
     }
     // Seconds of audio per period, inverted over the run's rate of periods: time per period over
     // the period's duration.
-    state.counters["fraction"] = benchmark::Counter(
-        double(period) / 48000.0, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["fraction"] =
+        benchmark::Counter(double(period) / 48000.0,
+                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 }  // namespace

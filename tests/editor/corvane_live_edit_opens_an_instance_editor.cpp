@@ -49,11 +49,13 @@ TEST(CorvaneLiveEdit, OpensTheInstanceEditorWhileThePatchRuns) {
     const char* asan = std::getenv("ASAN_OPTIONS");
     setenv("ASAN_OPTIONS", (std::string(asan ? asan : "") + ":detect_leaks=0").c_str(), 1);
     CommandResult live;
-    std::thread run([&] { live = RunCorvane("live " + folder + "/p.json --driver clock --edit d --seconds 3"); });
+    std::thread run(
+        [&] { live = RunCorvane("live " + folder + "/p.json --driver clock --edit d --seconds 5"); });
     Display* x = XOpenDisplay(display);
     ASSERT_NE(x, nullptr);
     bool seen = false;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(2800);
+    const auto end = std::chrono::steady_clock::now() +
+                     std::chrono::milliseconds(4800);  // a loaded machine can be slow to open it
     while (!seen && std::chrono::steady_clock::now() < end) {
         seen = HasWindowNamed(x, DefaultRootWindow(x), "corvane d (Corvane DC)");
         if (!seen) std::this_thread::sleep_for(std::chrono::milliseconds(50));
