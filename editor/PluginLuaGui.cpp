@@ -136,6 +136,7 @@ const luaL_Reg kPluginGlobals[] = {{"texture", LuaTexture},
 }  // namespace
 
 void RegisterLuaGuiFunctions(lua_State* L);
+void RegisterDisplayFunctions(lua_State* L);
 
 PluginLuaGui::PluginLuaGui(BrelCorvaneBase* module) : LuaGui(module) {}
 
@@ -157,6 +158,7 @@ void PluginLuaGui::RegisterFunctions(lua_State* L) {
     lua_pop(L, 2);
     for (const char* name : kPluginMetatables)
         MakeMetatable(L, name, nullptr, true);
+    RegisterDisplayFunctions(L);
 }
 
 void PluginLuaGui::AddElementMetatableNames() {

@@ -36,6 +36,8 @@ public:
     void OpenPanel(Manager* manager);
     // The action ids pressed so far, for the file and dialog buttons whose dialogs come later.
     std::vector<int32_t> pressedActions;
+    // The properties whose MIDI browser a midiBrowseButton asked for.
+    std::vector<uint32_t> midiBrowseRequests;
 
     void* callbackForMidiBrowse = nullptr;
     BrelCorvaneView* view = nullptr;

@@ -53,6 +53,7 @@ void HostDriver::Process(const float* const* inputs, float* const* outputs, uint
         while (nextMidi < numMidi && midi[nextMidi].frame < done + n)
             ++nextMidi;
         RenderOne(inputs, outputs, done, n, midi + firstMidi, nextMidi - firstMidi);
+        renderedFrames += n;
         if (currentTransport && advanceTransport) currentTransport->Advance(n);
         done += n;
     }

@@ -71,6 +71,11 @@ public:
     // Parameter index of a row name or "Master Bypass", or -1.
     int32_t ParameterIndexByName(const std::string& name) const;
 
+    // Frames this driver has rendered since it was made, counted at the start of each module block:
+    // while the module renders, the frame at which its block began. Hosts place what the module sends
+    // with it.
+    uint64_t RenderedFrames() const { return renderedFrames; }
+
 private:
     void RenderOne(const float* const* inputs, float* const* outputs, uint32_t offset, uint32_t frames,
                    const TimedMidi* midi, uint32_t numMidi);
@@ -81,6 +86,7 @@ private:
     uint32_t maxBlockSize;
     DriverTransport* currentTransport = nullptr;
     bool advanceTransport = true;
+    uint64_t renderedFrames = 0;
     BrelCorvaneBase* instanceSlot = nullptr;
     std::vector<HostMidiPacket> packets;
     std::vector<float> zeros;

@@ -167,3 +167,42 @@ createUICommon = createUICommon or function()
 	setBannerContent( "full", 60, -1 )
 	add( button( "Prefs", "Prefs", prefsX, wh-prefsH-windowEdgePad, prefsW, prefsH ) )
 end
+
+-- A grid of controls, the first row on top, its lower left at (x, y): each item is
+-- { kind, param, label [, width] } with kind "knob" (a knob over its value field), "field" (a value
+-- field alone), "drop" (a drop-down) or "button" (a parameter's two-state button). Labels hang 3 px
+-- under knobs, fields and drop-downs; a button carries its label as its caption.
+controlGrid = controlGrid or function( group, items, columns, cellW, cellH, x, y, textW )
+	x = x or 0
+	y = y or 0
+	textW = textW or 40
+	local rows = math.ceil( #items / columns )
+	for i, item in ipairs( items ) do
+		local cx = x + ((i-1) % columns)*cellW
+		local cy = y + (rows - 1 - math.floor( (i-1) / columns ))*cellH
+		local kind, param, text, w = item[1], item[2], item[3], item[4]
+		if kind == "knob" then
+			smallKnobAndTextField( group, param, text, cx, cy, w or textW )
+		elseif kind == "field" then
+			w = w or textW
+			group:add( textField( param, cx, cy, w, kTextFieldH ) )
+			if text then
+				local lab = label( text, cx+0.5*w, cy-3 )
+				setLabelColour( lab )
+				group:add( lab )
+			end
+		elseif kind == "drop" then
+			labelledDropDown( group, param, text, cx, cy, w or (cellW - 6) )
+		elseif kind == "button" then
+			group:add( paramButton( param, text, cx, cy, w or (cellW - 6), 15 ) )
+		end
+	end
+end
+
+-- The hidden group of the OSC port, present in every panel so that it keeps its layout space.
+oscGroup = oscGroup or function( padding )
+	local g = group( "OSC", padding )
+	smallKnobAndTextField( g, "OSC Port Offset", "Port", 0, 0 )
+	g:setVisible( false )
+	return g
+end

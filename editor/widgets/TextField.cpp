@@ -160,11 +160,11 @@ PropertyTextField::PropertyTextField(Manager* manager, uint32_t property_)
 
 void PropertyTextField::Animate() {
     if (editing || !manager->module) return;
-    CountedText* read = nullptr;
-    if (manager->module->GetProperty(property, &read) == kNoErr && read) {
-        value = read->Get();
-        read->Release();
-    }
+    // A text property reads as the address of the module's terminated string; it is read with a bound,
+    // since another thread may be rewriting it (a garbled frame is accepted).
+    const char* read = nullptr;
+    if (manager->module->GetProperty(property, &read) == kNoErr && read)
+        value.assign(read, strnlen(read, 1024));
 }
 
 void PropertyTextField::MouseDown(Point, uint32_t, int32_t) {
@@ -174,9 +174,9 @@ void PropertyTextField::MouseDown(Point, uint32_t, int32_t) {
 bool PropertyTextField::KeyDown(int32_t character) {
     if (!editable) return false;
     if (character == 13 || character == 3) {
-        CountedText* written = new CountedText(value);
-        if (manager->module) manager->module->SetProperty(property, &written, sizeof written);
-        written->Release();
+        // Written as the characters with their terminator.
+        if (manager->module)
+            manager->module->SetProperty(property, value.c_str(), uint32_t(value.size() + 1));
         editing = false;
         return true;
     }

@@ -45,16 +45,30 @@ const Help kHelp[] = {
      "  --plot FILE.png           also draw every output over time\n"
      "  --plot-size WxH           the picture's size in pixels (1000 x 160 per channel + 88)\n"
      "  --plot-range START:END    the stretch of time plotted, in seconds\n"
+     "  --midi-out FILE.mid       the MIDI the module sends (CV To MIDI) as a Standard MIDI File,\n"
+     "                            format 0, one tick per frame (24000 ticks a quarter at 120 BPM\n"
+     "                            for 48000 Hz), each message at the frame it was sent at\n"
      "Renders longer than 5 seconds show their progress on standard error when it is a terminal.\n"},
     {"edit",
      "usage: corvane edit STEM [render options]\n"
      "Opens the module's editor in a window while it renders in real time; --seconds S closes it\n"
      "after S seconds; closing it writes --state-out.\n"},
+    {"screenshot",
+     "usage: corvane screenshot STEM --out FILE.png [--set \"NAME=VALUE\"]... [--state-in FILE]\n"
+     "                          [--display NAME]\n"
+     "Draws the module's panel off screen, under an Xvfb of its own unless --display names an X server,\n"
+     "and writes it as a PNG; --set and --state-in set the parameters first.\n"},
     {"patch",
      "usage: corvane patch FILE.json [--realtime] [--osc-base-port N] [--plot FILE.png]\n"
      "                               [--plot-size WxH] [--plot-range START:END]\n"
      "Renders the instances of a patch file together, each after those it takes input from, under one\n"
-     "transport, one WAV each; --plot draws one picture per instance, FILE-NAME.png.\n"},
+     "transport, one WAV each; --plot draws one picture per instance, FILE-NAME.png; an instance's\n"
+     "\"midi_out\" writes the MIDI it sends as --midi-out of render does.\n"},
+    {"midi-ports",
+     "usage: corvane midi-ports\n"
+     "The MIDI output devices that property 64100 of CV To MIDI can name, one line each: the system\n"
+     "(alsa: a sequencer port, CLIENT:PORT; jack: a JACK client's MIDI input port, while a server\n"
+     "runs), a tab, the name. None found: a note on standard error, status 0.\n"},
     {"live",
      "usage: corvane live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--edit NAME]\n"
      "                              [--osc-base-port N]\n"

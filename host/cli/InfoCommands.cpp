@@ -1,9 +1,10 @@
-// The list and params subcommands.
+// The list, params and midi-ports subcommands.
 #include "InfoCommands.h"
 
 #include <cstdio>
 
 #include "CommandLine.h"
+#include "host/devices/MidiDevices.h"
 #include "modules/ModuleFactory.h"
 
 namespace BR {
@@ -29,6 +30,17 @@ int RunParams(const std::string& stem) {
         std::printf("%d\t%s\t%u\t%g\t%g\t%g\n", k, row.name, row.unit, double(row.minimum),
                     double(row.maximum), double(row.defaultValue));
     }
+    return 0;
+}
+
+int RunMidiPorts() {
+    const std::vector<MidiDeviceInfo> devices = ListMidiOutputDevices();
+    for (const MidiDeviceInfo& device : devices)
+        std::printf("%s\t%s\n", device.system.c_str(), device.name.c_str());
+    if (devices.empty())
+        std::fprintf(stderr,
+                     "corvane: no MIDI output devices (no ALSA sequencer ports, no JACK server with MIDI "
+                     "input ports)\n");
     return 0;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "CommandLine.h"
+#include "MidiFileOut.h"
 #include "PatchEngine.h"
 #include "Progress.h"
 
@@ -81,6 +82,16 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSe
     ApplyRemoteSettings(remote);
     PatchEngine engine(patch, modules);
     const size_t count = engine.Count();
+    // Offline: each capture keeps the whole render's messages for its file.
+    std::vector<std::unique_ptr<ModuleMidiCapture>> midiOut(count);
+    for (size_t i = 0; i < count; ++i) {
+        const PatchInstance& instance = patch.instances[i];
+        if (instance.midiOutPath.empty()) continue;
+        midiOut[i] = std::make_unique<ModuleMidiCapture>(4096, true);
+        if (!midiOut[i]->Attach(engine.Driver(i)))
+            throw InputError(patch.path + ": " + instance.place + ".midi_out: " + instance.entry->moduleName +
+                             " sends no MIDI (CV To MIDI does)");
+    }
     std::vector<AudioData> outputs(count);
     std::vector<std::vector<float*>> at(count);
     std::vector<float* const*> table(count);
@@ -120,6 +131,15 @@ int64_t RunPatch(const Patch& patch, const ModuleSource& modules, const RemoteSe
                 data.midi.push_back({int64_t(event.frame), event.bytes});
             WritePlot(data, plot, InstancePlotPath(plot.path, instance.name));
         }
+    }
+    for (size_t i = 0; i < count; ++i) {
+        if (!midiOut[i]) continue;
+        // Every driver of the patch starts at frame 0 with the patch.
+        const SentMidi* sorted = midiOut[i]->Sorted();
+        const std::vector<SentMidi> sent(sorted, sorted + midiOut[i]->Count());
+        midiOut[i]->Detach();
+        WriteMidiFile(patch.instances[i].midiOutPath, sent, int64_t(patch.sampleRate),
+                      uint64_t(patch.frames));
     }
     return patch.frames;
 }

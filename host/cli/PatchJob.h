@@ -44,6 +44,7 @@ struct PatchInstance {
     std::string calibrationPath;              // loaded after the settings and properties; empty for none
     std::vector<std::string> scripts;         // user scripts run after the per-user folder's
     std::string outPath;
+    std::string midiOutPath;  // the MIDI the instance sends, as a Standard MIDI File; empty for none
 };
 
 struct Patch {

@@ -48,6 +48,9 @@ private:
     void ReadConnections(const Json& value, Patch& patch) const;
     void ReadInstance(const Json& value, size_t index, Patch& patch);
     PatchSource ReadSource(const Json& value, const std::string& place, Patch& patch);
+    // A file the render writes: in an existing folder, and written by no other place of the patch.
+    // `owner`, the instance, is named when another place writes the same file.
+    std::string WritablePath(const std::string& given, const std::string& place, const std::string& owner);
 
     std::string path;
     std::filesystem::path folder;
@@ -294,20 +297,27 @@ void PatchReader::ReadInstance(const Json& value, size_t index, Patch& patch) {
             CheckScripts({instance.scripts.back()}, path + ": " + at);
         }
     }
-    const std::string out =
-        value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav";
-    if (out.empty()) Fail(place + ".out", "must name a file");
-    instance.outPath = Resolve(out);
+    instance.outPath =
+        WritablePath(value.contains("out") ? Text(value["out"], place + ".out") : instance.name + ".wav",
+                     place + ".out", place);
+    if (value.contains("midi_out"))
+        instance.midiOutPath =
+            WritablePath(Text(value["midi_out"], place + ".midi_out"), place + ".midi_out", place);
+}
+
+std::string PatchReader::WritablePath(const std::string& given, const std::string& place,
+                                      const std::string& owner) {
+    if (given.empty()) Fail(place, "must name a file");
+    const std::string file = Resolve(given);
     std::error_code ec;
-    if (std::filesystem::is_directory(instance.outPath, ec))
-        Fail(place + ".out", "\"" + instance.outPath + "\" is a folder, not a file to write");
-    const std::filesystem::path outFolder = std::filesystem::path(instance.outPath).parent_path();
+    if (std::filesystem::is_directory(file, ec))
+        Fail(place, "\"" + file + "\" is a folder, not a file to write");
+    const std::filesystem::path outFolder = std::filesystem::path(file).parent_path();
     if (!outFolder.empty() && !std::filesystem::is_directory(outFolder, ec))
-        Fail(place + ".out",
-             "there is no folder \"" + outFolder.string() + "\" to write \"" + instance.outPath + "\" in");
-    const auto [other, fresh] = outs.emplace(instance.outPath, place);
-    if (!fresh)
-        Fail(place + ".out", "\"" + instance.outPath + "\" is written by " + other->second + " already");
+        Fail(place, "there is no folder \"" + outFolder.string() + "\" to write \"" + file + "\" in");
+    const auto [other, fresh] = outs.emplace(file, owner);
+    if (!fresh) Fail(place, "\"" + file + "\" is written by " + other->second + " already");
+    return file;
 }
 
 Patch PatchReader::Read() {
@@ -350,7 +360,7 @@ Patch PatchReader::Read() {
         const Json& value = instances[i];
         OnlyKeys(value, instance.place,
                  {"name", "module", "set", "properties", "midi", "events", "inputs", "state", "calibration",
-                  "scripts", "out"});
+                  "scripts", "out", "midi_out"});
         if (!value.contains("name")) Fail(instance.place + ".name", "missing");
         instance.name = Text(value["name"], instance.place + ".name");
         if (instance.name.empty()) Fail(instance.place + ".name", "must not be empty");

@@ -11,6 +11,7 @@
 #include "CommandLine.h"
 #include "InputLimits.h"
 #include "MidiFile.h"
+#include "MidiFileOut.h"
 #include "Progress.h"
 #include "StateFile.h"
 #include "WavFile.h"
@@ -136,6 +137,8 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
             job.calibrationOut = PathValue(cursor, option);
         } else if (option == "--out") {
             job.outputPath = PathValue(cursor, option);
+        } else if (option == "--midi-out") {
+            job.midiOutPath = PathValue(cursor, option);
         } else if (option == "--script") {
             job.scripts.push_back(PathValue(cursor, option));
         } else if (!ParseTransportOption(option, cursor, job.transport) &&
@@ -163,6 +166,16 @@ int64_t RunRenderJob(const RenderJob& job) {
 
 int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
     CheckWritable(job.outputPath, "--out");
+    // Offline: the capture may grow, as the whole render's messages are kept for the file.
+    ModuleMidiCapture midiOut(4096, true);
+    std::vector<SentMidi> sent;
+    if (!job.midiOutPath.empty()) {
+        CheckWritable(job.midiOutPath, "--midi-out");
+        if (!midiOut.Attach(driver))
+            throw UsageError("--midi-out: " + std::string(driver.Module().GetModuleName()) +
+                             " sends no MIDI (CV To MIDI does)");
+    }
+    const uint64_t firstFrame = driver.RenderedFrames();
     CheckPlotSettings(job.plot);
     if (!job.stateOut.empty()) CheckWritable(job.stateOut, "--state-out");
     if (!job.calibrationOut.empty()) {
@@ -240,13 +253,24 @@ int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {
             out[c] = output.channels[c].data() + done;
         const std::vector<TimedMidi>& blockMidi = midi.Block(done, n);
         driver.Process(in.data(), out.data(), n, blockMidi.data(), uint32_t(blockMidi.size()));
+        if (midiOut.Count() > 0) {
+            // Blocks come in order, so sorting each block's messages sorts them all.
+            const SentMidi* block = midiOut.Sorted();
+            for (size_t m = 0; m < midiOut.Count(); ++m)
+                sent.push_back(
+                    {block[m].frame - firstFrame, {block[m].bytes[0], block[m].bytes[1], block[m].bytes[2]}});
+            midiOut.Clear();
+        }
         done += n;
         pacer.Wait(done);
         progress->Update(done);
     }
     progress.reset();
     driver.SetTransport(nullptr);
+    midiOut.Detach();
     WriteWav(job.outputPath, output);
+    if (!job.midiOutPath.empty())
+        WriteMidiFile(job.midiOutPath, sent, int64_t(job.sampleRate), uint64_t(frames));
     if (!job.plot.path.empty()) {
         PlotData plot;
         plot.title =

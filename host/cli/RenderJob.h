@@ -30,6 +30,7 @@ struct RenderJob {
     std::string calibrationIn;   // a calibration file loaded after the state, settings and properties
     std::string calibrationOut;  // the calibration table saved after the render
     std::string outputPath;
+    std::string midiOutPath;  // the MIDI the module sends, as a Standard MIDI File; empty for none
     TransportSettings transport;
     std::vector<std::string> scripts;  // user scripts run after the per-user folder's
     RemoteSettings remote;

@@ -13,6 +13,7 @@
 #include "Plot.h"
 #include "RenderJob.h"
 #include "framework/ModuleCatalogue.h"
+#include "host/devices/MidiDevices.h"
 #include "remote/RemoteServices.h"
 
 namespace {
@@ -30,14 +31,19 @@ const char* kUsage =
     "      --transport FRAME:play|stop...  --loop START:END\n"
     "      --realtime  --script FILE.lua...  --osc-base-port N\n"
     "      --plot FILE.png  --plot-size WxH  --plot-range START:END\n"
+    "      --midi-out FILE.mid   the MIDI the module sends (CV To MIDI), as a Standard MIDI File\n"
+    "                            whose ticks are frames\n"
     "  edit STEM [options]       open the module's editor while it renders in real time; the render\n"
     "      options apply (--seconds S closes the window after S seconds); closing writes --state-out\n"
+    "  screenshot STEM --out FILE.png [--set \"NAME=VALUE\"...] [--state-in FILE] [--display NAME]\n"
+    "                            draw the module's panel off screen (a private Xvfb) into a PNG\n"
     "  patch FILE.json [--realtime] [--osc-base-port N] [--plot FILE.png ...]\n"
     "                            render several instances together, one WAV (and plot) each\n"
     "  live FILE.json [--seconds S] [--driver jack|clock] [--name CLIENT] [--edit NAME]\n"
     "      [--osc-base-port N]   run a patch in real time as a JACK client until SIGINT or SIGTERM\n"
     "  plot FILE.wav [--out FILE.png] [--plot-size WxH] [--plot-range START:END]\n"
     "                            draw every channel of a WAV over time\n"
+    "  midi-ports                MIDI output devices for property 64100: system, name\n"
     "  bench [--seconds S] [--block N] [--module STEM]   real-time factor of every module, or of one\n"
     "corvane COMMAND --help describes one command; exit status 0 done, 1 failed while running,\n"
     "2 bad command line or input file (see corvane(1))\n";
@@ -61,6 +67,10 @@ int Dispatch(int argc, char** argv) {
         if (argc > 2) throw BR::UsageError("list takes no arguments");
         return BR::RunList();
     }
+    if (command == "midi-ports") {
+        if (argc > 2) throw BR::UsageError("midi-ports takes no arguments");
+        return BR::RunMidiPorts();
+    }
     if (command == "params") {
         if (argc != 3) throw BR::UsageError("params needs exactly one module stem");
         return BR::RunParams(argv[2]);
@@ -74,6 +84,7 @@ int Dispatch(int argc, char** argv) {
         return 0;
     }
     if (command == "edit") return BR::RunEdit(argc, argv);
+    if (command == "screenshot") return BR::RunScreenshot(argc, argv);
     if (command == "patch") {
         if (argc < 3 || argv[2][0] == '-') throw BR::UsageError("patch needs exactly one patch file");
         BR::RemoteSettings remote;
@@ -145,6 +156,8 @@ int main(int argc, char** argv) {
     // Every module the command makes gets its OSC server and Lua helper. Tests that drive the
     // command in-process run without them.
     BR::InstallRemoteServices();
+    // Property 64100 of CV To MIDI opens the system's MIDI output devices by name.
+    BR::InstallMidiOutputDevices();
     return CorvaneMain(argc, argv);
 }
 #endif

@@ -77,6 +77,7 @@ std::unique_ptr<Lv2Instance> Lv2Instance::Create(const Lv2BundleInfo& bundle, co
     self->spanEvents.resize(kMaxEvents);
     self->positions.resize(kMaxPositions);
     self->inputCopies.assign(layout.numAudioIn, std::vector<float>(self->maxBlock, 0.0f));
+    if (layout.midiOut != Lv2PortLayout::kNoPort) self->sentMidi.Attach(*self->driver);
     const int32_t numParameters = m.GetNumberOfParameters();
     self->notifyPending.reset(new std::atomic<uint8_t>[size_t(std::max(numParameters, 1))]);
     for (int32_t i = 0; i < numParameters; ++i)
@@ -94,6 +95,8 @@ void Lv2Instance::ConnectPort(uint32_t port, void* data) {
         audioOut[port - layout.firstAudioOut] = static_cast<float*>(data);
     } else if (port == layout.midiIn) {
         midiIn = static_cast<const LV2_Atom_Sequence*>(data);
+    } else if (port == layout.midiOut) {
+        midiOut = static_cast<LV2_Atom_Sequence*>(data);
     }
 }
 
@@ -177,8 +180,22 @@ void Lv2Instance::CollectEvents(uint32_t frames) {
 }
 
 void Lv2Instance::Run(uint32_t frames) {
+    if (midiOut) {
+        // The host sets the size to the room it gives; the port holds an empty sequence until the end.
+        midiOutCapacity = midiOut->atom.size >= sizeof(LV2_Atom_Sequence_Body) ? midiOut->atom.size : 0;
+        midiOut->atom.type = urids.atomSequence;
+        if (midiOutCapacity == 0) {
+            midiOut->atom.size = 0;  // not even room for the header: an empty atom, read as no events
+        } else {
+            lv2_atom_sequence_clear(midiOut);
+            midiOut->body.unit = 0;  // times in frames
+            midiOut->body.pad = 0;
+        }
+    }
     for (float* out : audioOut)
         if (!out) return;  // nowhere to render to
+    sentMidi.Clear();
+    runStart = driver->RenderedFrames();
     ReadControls();
     CollectEvents(frames);
 
@@ -209,6 +226,24 @@ void Lv2Instance::Run(uint32_t frames) {
     while (nextPosition < numPositions)
         if (transport.Apply(positions[nextPosition++].position)) transport.EndWrapBlock();
     if (transport.Known() && !driver->Transport()) driver->SetTransport(&transport.Driver());
+    WriteSentMidi(frames);
+}
+
+void Lv2Instance::WriteSentMidi(uint32_t frames) {
+    if (!midiOut || midiOutCapacity == 0 || frames == 0 || sentMidi.Count() == 0) return;
+    const SentMidi* sent = sentMidi.Sorted();
+    struct {
+        LV2_Atom_Event header;
+        uint8_t bytes[3];
+    } event{};
+    event.header.body.type = urids.midiEvent;
+    event.header.body.size = 3;
+    for (size_t m = 0; m < sentMidi.Count(); ++m) {
+        event.header.time.frames = int64_t(std::min<uint64_t>(sent[m].frame - runStart, frames - 1));
+        std::memcpy(event.bytes, sent[m].bytes, 3);
+        // A port too small for all loses the rest.
+        if (!lv2_atom_sequence_append_event(midiOut, midiOutCapacity, &event.header)) break;
+    }
 }
 
 void Lv2Instance::RenderSpan(uint32_t from, uint32_t to) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/HostDriver.h"
+#include "host/ModuleMidiOutput.h"
 #include "host/lv2/Lv2Bundle.h"
 #include "host/lv2/Lv2Transport.h"
 #include "host/lv2/Lv2Urids.h"
@@ -22,6 +23,8 @@ public:
     // Most MIDI events and positions taken from one host block; later ones are dropped.
     static constexpr uint32_t kMaxEvents = 1024;
     static constexpr uint32_t kMaxPositions = 32;
+    // Most messages a module may send in one host block for the MIDI output port; later ones are lost.
+    static constexpr uint32_t kMaxSentMidi = 8192;
     // Block length the module is given when the host names no bufsz:maxBlockLength, and the most it
     // is ever given: longer host blocks are cut.
     static constexpr uint32_t kDefaultMaxBlock = kDefaultMaxBlockSize;
@@ -53,6 +56,8 @@ private:
     // True when the ports lie side by side and none differs from lastSeen.
     bool ControlsUnchanged();
     void CollectEvents(uint32_t frames);
+    // Writes what the module sent during this block into the MIDI output port, at its frames.
+    void WriteSentMidi(uint32_t frames);
     // Renders frames [from, to) of the host block, cut where inputs share buffers with outputs.
     void RenderSpan(uint32_t from, uint32_t to);
 
@@ -78,6 +83,10 @@ private:
     std::vector<const float*> audioIn;
     std::vector<float*> audioOut;
     const LV2_Atom_Sequence* midiIn = nullptr;
+    LV2_Atom_Sequence* midiOut = nullptr;
+    uint32_t midiOutCapacity = 0;  // what the host gave the port, read at the block's start
+    ModuleMidiCapture sentMidi{kMaxSentMidi};
+    uint64_t runStart = 0;  // the driver's rendered frames at the block's start
 
     std::vector<TimedMidi> events;  // this block's MIDI, frames from the block's start
     uint32_t numEvents = 0;

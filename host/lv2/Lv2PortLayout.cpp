@@ -4,6 +4,8 @@
 #include <cctype>
 #include <set>
 
+#include "host/ModuleMidiOutput.h"
+
 namespace BR {
 
 std::string Lv2SymbolFromName(const std::string& name) {
@@ -78,6 +80,7 @@ Lv2PortLayout BuildLv2PortLayout(const CatalogueEntry& entry, BrelCorvaneBase& m
     for (int32_t c = 0; c < numOutputs; ++c)
         taken.insert("out_" + std::to_string(c + 1));
     taken.insert("midi_in");
+    taken.insert("midi_out");
     taken.insert("enabled");
 
     uint32_t index = 0;
@@ -146,6 +149,10 @@ Lv2PortLayout BuildLv2PortLayout(const CatalogueEntry& entry, BrelCorvaneBase& m
 
     layout.midiIn = index;
     layout.ports.push_back(MakePort(Lv2PortKind::MidiIn, index++, "midi_in", "MIDI In"));
+    if (ModuleSendsMidi(module)) {
+        layout.midiOut = index;
+        layout.ports.push_back(MakePort(Lv2PortKind::MidiOut, index++, "midi_out", "MIDI Out"));
+    }
     return layout;
 }
 

@@ -13,7 +13,7 @@
 
 namespace BR {
 
-enum class Lv2PortKind { Enabled, Control, AudioIn, AudioOut, MidiIn };
+enum class Lv2PortKind { Enabled, Control, AudioIn, AudioOut, MidiIn, MidiOut };
 
 struct Lv2Port {
     Lv2PortKind kind = Lv2PortKind::Control;
@@ -48,6 +48,8 @@ struct Lv2PortLayout {
     uint32_t firstAudioIn = 0, numAudioIn = 0;
     uint32_t firstAudioOut = 0, numAudioOut = 0;
     uint32_t midiIn = 0;
+    uint32_t midiOut = kNoPort;  // only for modules that send MIDI
+    static constexpr uint32_t kNoPort = 0xFFFFFFFF;
 };
 
 // Symbol of a row name: lower case, each run of other characters one '_', no '_' at either end,
@@ -55,7 +57,8 @@ struct Lv2PortLayout {
 std::string Lv2SymbolFromName(const std::string& name);
 
 // Control ports first (port k + 1 is table row k, port 0 is Enabled), then audio inputs in channel
-// order (sidechains after the main pair), audio outputs (aux stems after the main pair), MIDI in.
+// order (sidechains after the main pair), audio outputs (aux stems after the main pair), MIDI in, and
+// MIDI out for a module that sends MIDI.
 // New table rows, which only ever go at the end, thus leave existing port numbers alone.
 // `module` answers GetParameterValueStrings for the scale points.
 Lv2PortLayout BuildLv2PortLayout(const CatalogueEntry& entry, BrelCorvaneBase& module);

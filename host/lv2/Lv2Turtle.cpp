@@ -148,6 +148,16 @@ void WriteMidiPort(std::ostream& out, const Lv2Port& port) {
     out << "        lv2:name " << TurtleString(port.name) << "\n";
 }
 
+// The messages the module sends, at their frames.
+void WriteMidiOutPort(std::ostream& out, const Lv2Port& port) {
+    out << "        a lv2:OutputPort , atom:AtomPort ;\n";
+    out << "        atom:bufferType atom:Sequence ;\n";
+    out << "        atom:supports midi:MidiEvent ;\n";
+    out << "        lv2:index " << port.index << " ;\n";
+    out << "        lv2:symbol " << TurtleString(port.symbol) << " ;\n";
+    out << "        lv2:name " << TurtleString(port.name) << "\n";
+}
+
 }  // namespace
 
 std::string Lv2ManifestTurtle(const Lv2BundleInfo& bundle) {
@@ -200,6 +210,8 @@ std::string Lv2PluginTurtle(const Lv2BundleInfo& bundle, const CatalogueEntry& e
             WriteControlPort(out, port);
         } else if (port.kind == Lv2PortKind::MidiIn) {
             WriteMidiPort(out, port);
+        } else if (port.kind == Lv2PortKind::MidiOut) {
+            WriteMidiOutPort(out, port);
         } else {
             WriteAudioPort(out, port, layout, uri);
         }

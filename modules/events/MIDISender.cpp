@@ -5,6 +5,15 @@ namespace BR {
 
 namespace {
 std::atomic<MIDIOutputOpener> opener{nullptr};
+std::atomic<MIDIOutputLister> lister{nullptr};
+}  // namespace
+
+void SetMIDIOutputLister(MIDIOutputLister value) {
+    lister.store(value, std::memory_order_release);
+}
+
+MIDIOutputLister GetMIDIOutputLister() {
+    return lister.load(std::memory_order_acquire);
 }
 
 void SetMIDIOutputOpener(MIDIOutputOpener value) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace BR {
 
@@ -21,6 +22,12 @@ public:
 using MIDIOutputOpener = std::unique_ptr<MIDIOutputDevice> (*)(const std::string& name);
 void SetMIDIOutputOpener(MIDIOutputOpener opener);
 MIDIOutputOpener GetMIDIOutputOpener();
+
+// The names of the devices the opener can open, in its order (for a browser of devices); the host
+// layer that installs the opener installs this too. Not for the audio thread.
+using MIDIOutputLister = std::vector<std::string> (*)();
+void SetMIDIOutputLister(MIDIOutputLister lister);
+MIDIOutputLister GetMIDIOutputLister();
 
 class MIDISender {
 public:

@@ -40,7 +40,10 @@ struct TempHome {
 };
 
 struct LuaPanelRig {
-    explicit LuaPanelRig(const std::string& stem) : driver(MakeDriver(stem)), manager(&driver->Module()) {
+    explicit LuaPanelRig(const std::string& stem) : LuaPanelRig(MakeDriver(stem)) {}
+    // Around a module made by the test, such as a stand-in with a given table.
+    explicit LuaPanelRig(std::unique_ptr<HostDriver> driver_)
+        : driver(std::move(driver_)), manager(&driver->Module()) {
         std::copy(gGroupActiveColour, gGroupActiveColour + 4, savedActive);
         std::copy(gGroupInactiveColour, gGroupInactiveColour + 4, savedInactive);
     }

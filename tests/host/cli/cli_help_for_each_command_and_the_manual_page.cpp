@@ -10,7 +10,8 @@
 #include "tests/support/RunCommand.h"
 
 namespace {
-const char* kCommands[] = {"list", "params", "render", "edit", "patch", "live", "plot", "bench"};
+const char* kCommands[] = {"list",  "params", "render", "edit",       "screenshot",
+                           "patch", "live",   "plot",   "midi-ports", "bench"};
 }
 
 TEST(CliHelp, EveryCommandAnswersHelp) {

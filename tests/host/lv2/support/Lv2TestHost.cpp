@@ -1,6 +1,7 @@
 // The in-process test host.
 #include "Lv2TestHost.h"
 
+#include <lv2/atom/util.h>
 #include <lv2/buf-size/buf-size.h>
 #include <lv2/midi/midi.h>
 #include <lv2/time/time.h>
@@ -168,9 +169,37 @@ void Lv2TestHost::Run(uint32_t frames) {
         descriptor->connect_port(handle, layout.firstAudioOut + c,
                                  inPlace && c < layout.numAudioIn ? inputs[c].data() : outputs[c].data());
     descriptor->connect_port(handle, layout.midiIn, sequence.data());
+    if (layout.midiOut != Lv2PortLayout::kNoPort) {
+        // As hosts do for output sequences: the atom's size is the room there is.
+        outSequence.assign(sizeof(LV2_Atom) + midiOutCapacity + 64, 0xEE);
+        auto* out = reinterpret_cast<LV2_Atom_Sequence*>(outSequence.data());
+        out->atom.type = 0;
+        out->atom.size = midiOutCapacity;
+        descriptor->connect_port(handle, layout.midiOut, outSequence.data());
+    }
     AllocationScope scope;
     descriptor->run(handle, frames);
     lastRunAllocations = scope.Count();
+}
+
+std::vector<Lv2TestHost::SentEvent> Lv2TestHost::SentMidi() {
+    std::vector<SentEvent> sent;
+    if (outSequence.empty()) return sent;
+    const auto* seq = reinterpret_cast<const LV2_Atom_Sequence*>(outSequence.data());
+    if (seq->atom.type != Map(LV2_ATOM__Sequence))
+        throw std::runtime_error("the MIDI output port holds no sequence");
+    if (seq->atom.size > midiOutCapacity)
+        throw std::runtime_error("the MIDI output sequence overran its room");
+    const LV2_URID midiEvent = Map(LV2_MIDI__MidiEvent);
+    LV2_ATOM_SEQUENCE_FOREACH(seq, ev) {
+        if (ev->body.type != midiEvent) throw std::runtime_error("an event of another type than MIDI");
+        const auto* bytes = static_cast<const uint8_t*>(LV2_ATOM_BODY_CONST(&ev->body));
+        sent.push_back({ev->time.frames, std::vector<uint8_t>(bytes, bytes + ev->body.size)});
+    }
+    // The bytes past the sequence are as the host left them.
+    for (size_t i = sizeof(LV2_Atom) + midiOutCapacity; i < outSequence.size(); ++i)
+        if (outSequence[i] != 0xEE) throw std::runtime_error("the plug-in wrote past the MIDI output's room");
+    return sent;
 }
 
 LV2_State_Status Lv2TestHost::Save(StateMap& state) {

@@ -63,6 +63,15 @@ public:
     // Runs the work the plug-in scheduled, as the host's worker thread would.
     void RunWork();
     uint32_t ScheduledWork() const { return scheduled; }
+    // The MIDI output port's events of the last Run (modules that send MIDI): frame and bytes each.
+    struct SentEvent {
+        int64_t frame;
+        std::vector<uint8_t> bytes;
+        bool operator==(const SentEvent&) const = default;
+    };
+    std::vector<SentEvent> SentMidi();
+    // Bytes of room the host gives the MIDI output port's sequence body in each Run.
+    uint32_t midiOutCapacity = 1 << 15;
     // Heap allocations the plug-in's run() made in the last Run.
     uint64_t lastRunAllocations = 0;
 
@@ -107,6 +116,7 @@ private:
     std::vector<float> controls;
     std::vector<Event> events;
     std::vector<uint8_t> sequence;
+    std::vector<uint8_t> outSequence;
     uint32_t scheduled = 0;
     uint32_t pendingWork = 0;
     const LV2_Worker_Interface* worker = nullptr;

@@ -67,7 +67,7 @@ int main(int argc, char** argv) {
             stderr,
             "usage: corvane_host_tool "
             "capture|drive|transport|elck-set|signal|compare|expect-constant|expect-gate|expect-ramp|\n"
-            "expect-varying|crossings ...\n");
+            "expect-varying|crossings|ramp-gate|midi-frames ...\n");
         return 2;
     }
     const std::string command = argv[1];
@@ -84,6 +84,8 @@ int main(int argc, char** argv) {
         if (command == "expect-ramp") return ExpectRamp(args);
         if (command == "expect-varying") return ExpectVarying(args);
         if (command == "crossings") return Crossings(args);
+        if (command == "ramp-gate") return RampGate(args);
+        if (command == "midi-frames") return MidiFrames(args);
         std::fprintf(stderr, "corvane_host_tool: unknown command \"%s\"\n", command.c_str());
         return 2;
     } catch (const std::exception& e) {

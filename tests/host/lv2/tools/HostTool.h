@@ -29,5 +29,7 @@ int ExpectGate(const std::vector<std::string>& args);
 int ExpectRamp(const std::vector<std::string>& args);
 int ExpectVarying(const std::vector<std::string>& args);
 int Crossings(const std::vector<std::string>& args);
+int RampGate(const std::vector<std::string>& args);
+int MidiFrames(const std::vector<std::string>& args);
 
 }  // namespace BR::HostTool

@@ -1,0 +1,49 @@
+// Off-screen pictures of a module's panel: a private Xvfb when no display is given, the panel built by
+// its script in a window there, drawn by the render thread, grabbed and written as a PNG.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class BrelCorvaneBase;
+
+namespace BR {
+
+// An Xvfb of its own on a display it picks (-displayfd), stopped at destruction.
+class PrivateXServer {
+public:
+    PrivateXServer();
+    ~PrivateXServer();
+    PrivateXServer(const PrivateXServer&) = delete;
+    PrivateXServer& operator=(const PrivateXServer&) = delete;
+    bool Running() const { return pid > 0; }
+    const std::string& Name() const { return display; }
+
+private:
+    std::string display;
+    int pid = -1;
+};
+
+// RGB rows, top row first, of a window on `display`; empty when it cannot be read.
+std::vector<uint8_t> GrabWindowRgb(const char* display, unsigned long window, int& width, int& height);
+bool WritePng(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height);
+
+struct PanelPicture {
+    std::vector<uint8_t> rgb;
+    int width = 0, height = 0;
+    // The first line the panel's scripts logged, or the reason there is no picture.
+    std::string error;
+};
+
+class ZPmanager;
+
+// Opens a window of `manager`'s design size on `display` (null: a private Xvfb), lets the render thread
+// draw `frames` frames, and grabs the window.
+PanelPicture RenderManager(ZPmanager& manager, const char* display, int frames = 10);
+
+// Opens `module`'s panel in a window on `display` (null: a private Xvfb), lets the render thread draw
+// `frames` frames, and grabs the window.
+PanelPicture RenderPanel(BrelCorvaneBase& module, const char* display, int frames = 10);
+
+}  // namespace BR

@@ -1,0 +1,225 @@
+// Status texts and histories: frame bytes, the Quantizer's note, the Follower's readings, the Learner's
+// captions.
+#include "InfoDisplays.h"
+
+#include <GL/glew.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "editor/GuiFont.h"
+#include "modules/events/Follower.h"
+#include "modules/sequencing/Quantizer.h"
+
+namespace BR {
+
+namespace {
+const char* kNoteNames[12] = {"C ", "C#", "D ", "D#", "E ", "F ", "F#", "G ", "G#", "A ", "A#", "B "};
+
+GuiFont* ReadyFont(Manager* manager) {
+    GuiFont* font = manager->mainFont;
+    return font && font->Loaded() ? font : nullptr;
+}
+}  // namespace
+
+InfoDisplay::InfoDisplay(Manager* manager, int32_t count_)
+    : ModuleDisplay(manager), count(std::clamp(count_, int32_t(0), int32_t(16))) {
+    shownBytes.fill(-1);
+}
+
+void InfoDisplay::Draw() {
+    GuiFont* font = ReadyFont(manager);
+    // Without its font the display draws nothing at all.
+    if (!visible || !font) return;
+    ModuleDisplay::Draw();
+    if (cellWidth == 0) cellWidth = font->Advance("000 ");
+    ModuleStatusBlock* block = StatusBlock();
+    glColor4f(0.1f, 0.1f, 0.1f, 1.0f);
+    for (int32_t i = 0; i < count; ++i) {
+        const int32_t value = block ? block->moduleData[i] : 0;
+        if (value != shownBytes[size_t(i)] || texts[size_t(i)].Text().empty()) {
+            // The text is rebuilt only when its byte changes.
+            char text[8];
+            std::snprintf(text, sizeof text, "%3d", int(value));
+            texts[size_t(i)].SetText(font, text);
+            shownBytes[size_t(i)] = value;
+        }
+        texts[size_t(i)].DrawAt(rect[0] + 2 + float(i) * cellWidth, rect[1] + 2 - font->Descender());
+    }
+}
+
+QuantizerInfoDisplay::QuantizerInfoDisplay(Manager* manager, int32_t index_)
+    : ModuleDisplay(manager), index(index_) {}
+
+std::string QuantizerInfoDisplay::NoteText(int32_t note) {
+    if (note < 0) return "";
+    char text[32];
+    std::snprintf(text, sizeof text, "%s%d  %d", kNoteNames[note % 12], int(note / 12 - 1), int(note));
+    return text;
+}
+
+void QuantizerInfoDisplay::Draw() {
+    if (!visible) return;
+    GuiFont* font = ReadyFont(manager);
+    ModuleStatusBlock* block = StatusBlock();
+    const int32_t note =
+        block ? block->As<BrelCorvaneQuantizer::QuantizerStatus>().currentNote[index & 1] : -1;
+    const float textHeight = font ? font->Ascender() - font->Descender() : 12.0f;
+    glColor4f(0.55f, 0.55f, 0.55f, 1.0f);
+    glRectf(rect[0] - 3, rect[1] + textHeight, rect[3] + 3, rect[1] + textHeight + 20);
+    if (note != shownNote && font) {
+        text.SetText(font, NoteText(note).c_str());
+        shownNote = note;
+    }
+    glColor4f(0.9f, 0.9f, 0.9f, 1.0f);
+    if (font) text.DrawAt(rect[0], rect[1] - font->Descender());
+    // Seven cells, one per white key from C.
+    const float cell = Width() * 0.14285715f, bottom = rect[1] + textHeight;
+    glColor4f(0.4f, 0.4f, 0.4f, 1.0f);
+    glBegin(GL_LINES);
+    for (int i = 0; i <= 7; ++i)
+        glVertex2f(rect[0] + float(i) * cell, bottom), glVertex2f(rect[0] + float(i) * cell, bottom + 20);
+    glEnd();
+    if (note < 0) return;
+    const char* name = kNoteNames[note % 12];
+    int letter = name[0] - 'C';
+    if (letter < 0) letter += 7;
+    const bool sharp = name[1] == '#';
+    const float x = rect[0] + float(letter) * cell + (sharp ? 0.5f * cell : 0.0f);
+    if (sharp)
+        glColor4f(0, 0, 0, 1), glRectf(x, bottom + 10, x + cell - 1, bottom + 20);
+    else
+        glColor4f(0.8f, 0.8f, 0.8f, 1), glRectf(x, bottom, x + cell - 1, bottom + 10);
+}
+
+FollowerInfoDisplay::FollowerInfoDisplay(Manager* manager) : ModuleDisplay(manager) {}
+
+std::string FollowerInfoDisplay::NoteName(float frequency) {
+    if (!(frequency > 0)) return "";
+    // Semitones from A 440, through the reciprocal of the reference.
+    const float semitones = 12.0f * std::log2(frequency * 0.0022727272f) + 69.0f;
+    const int note = int(std::lround(semitones));
+    const float cents = (semitones - float(note)) * 100.0f;
+    char text[32];
+    std::snprintf(text, sizeof text, "%s%d%+.0f", kNoteNames[((note % 12) + 12) % 12], note / 12 - 1, cents);
+    std::string result = text;
+    result.erase(std::remove(result.begin(), result.end(), ' '), result.end());
+    return result;
+}
+
+void FollowerInfoDisplay::Draw() {
+    if (!visible) return;
+    ModuleDisplay::Draw();
+    GuiFont* font = ReadyFont(manager);
+    ModuleStatusBlock* block = StatusBlock();
+    if (!font || !block) return;
+    const auto& status = block->As<BrelCorvaneFollower::FollowerStatus>();
+    const float frequency = status.noPitch ? 0.0f : status.frequency;
+    char text[64];
+    if (frequency != shownFrequency || lines[0].Text().empty()) {
+        std::snprintf(text, sizeof text, "%6.1fHz  %s", double(frequency), NoteName(frequency).c_str());
+        lines[0].SetText(font, text);
+        shownFrequency = frequency;
+    }
+    if (status.pitchVolts != shownVolts || lines[1].Text().empty()) {
+        std::snprintf(text, sizeof text, "%6.3fV  %6.3f", double(status.pitchVolts), double(status.level));
+        lines[1].SetText(font, text);
+        shownVolts = status.pitchVolts;
+    }
+    const float lineHeight = font->Ascender() - font->Descender() + 2;
+    glColor4f(0.9f, 0.9f, 0.9f, 1.0f);
+    lines[0].DrawAt(rect[0] + 4, rect[4] - lineHeight);
+    lines[1].DrawAt(rect[0] + 4, rect[4] - 2 * lineHeight);
+}
+
+FollowerEnvDisplay::FollowerEnvDisplay(Manager* manager) : ModuleDisplay(manager) {}
+
+void FollowerEnvDisplay::Animate() {
+    ModuleStatusBlock* block = StatusBlock();
+    if (!block) return;
+    const auto& status = block->As<BrelCorvaneFollower::FollowerStatus>();
+    const float level = std::clamp(status.level, 0.0f, 1.0f);
+    peak = std::max(level, peak * 0.98f);
+    position = (position + 1) % kLength;
+    levelRing[size_t(position)] = level;
+    envelopeRing[size_t(position)] = std::clamp(status.envelope, 0.0f, 1.0f);
+    peakRing[size_t(position)] = peak;
+}
+
+void FollowerEnvDisplay::DrawContent() {
+    auto stripOf = [&](const std::array<float, kLength>& ring) -> const std::vector<float>& {
+        strip.clear();
+        for (int i = 0; i < kLength; ++i) {
+            strip.push_back(float(i) / float(kLength - 1));
+            strip.push_back(ring[size_t((position + 1 + i) % kLength)]);
+        }
+        return strip;
+    };
+    FillUnitStrip(stripOf(levelRing), 0.0f, fillColour);
+    DrawUnitStrip(stripOf(envelopeRing), lineColour);
+    DrawUnitStrip(stripOf(peakRing), peakLineColour);
+}
+
+FollowerPitchDisplay::FollowerPitchDisplay(Manager* manager) : ModuleDisplay(manager) {}
+
+float FollowerPitchDisplay::AxisPosition(float frequency) {
+    // log10 50 at the bottom, two decades (to 5 kHz) up to the top.
+    if (!(frequency > 0)) return 0.0f;
+    return std::clamp((std::log10(frequency) - 1.69897f) / 2.0f, 0.0f, 1.0f);
+}
+
+void FollowerPitchDisplay::Animate() {
+    ModuleStatusBlock* block = StatusBlock();
+    if (!block) return;
+    const auto& status = block->As<BrelCorvaneFollower::FollowerStatus>();
+    position = (position + 1) % kLength;
+    ring[size_t(position)] = AxisPosition(status.noPitch ? 0.0f : status.frequency);
+}
+
+void FollowerPitchDisplay::DrawContent() {
+    strip.clear();
+    for (int i = 0; i < kLength; ++i) {
+        strip.push_back(float(i) / float(kLength - 1));
+        strip.push_back(ring[size_t((position + 1 + i) % kLength)]);
+    }
+    DrawUnitStrip(strip, lineColour);
+}
+
+LearnerInfoDisplay::LearnerInfoDisplay(Manager* manager) : ModuleDisplay(manager) {
+    backgroundColour[3] = 0.0f;
+    lineColour[3] = 0.0f;
+}
+
+void LearnerInfoDisplay::DrawIntoPanel(GuiFont* font) {
+    if (!font || !font->Loaded()) return;
+    const Point offset = ParentOffset();
+    const float row = font->Ascender() - font->Descender();
+    const float x = rect[0] + offset.x + 10;
+    float y = rect[4] + offset.y - row;
+    glColor4f(0.7f, 0.7f, 0.7f, 1.0f);
+    for (const char* caption : {"Short OSC Path", "Compact OSC Path", "Long OSC Path"}) {
+        font->Render(caption, x, y);
+        y -= row;
+    }
+    y -= 1.5f * row;
+    font->Render("Active Parameter", x, y);
+    y -= 1.5f * row;
+    font->Render("Message History", x, y);
+    font->Render("OSC Message History", x + 350, y);
+}
+
+void LearnerInfoDisplay::Draw() {
+    if (!visible) return;
+    GuiFont* font = ReadyFont(manager);
+    if (!font) return;
+    // Only a row of this editor's own module is named: another instance may be gone by now.
+    const int32_t row = gTouchedParameter.load();
+    const bool own = gTouchedModule.load() == manager->module && row >= 0 && row < manager->NumParameters();
+    active.SetText(font, own ? manager->ParameterInfo(row).name : "");
+    const float line = font->Ascender() - font->Descender();
+    glColor4f(0.9f, 0.9f, 0.9f, 1.0f);
+    active.DrawAt(rect[0] + 160, rect[4] - 5.5f * line);
+}
+
+}  // namespace BR

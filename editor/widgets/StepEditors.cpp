@@ -1,0 +1,218 @@
+// Row gestures: a press takes the step under the pointer, a drag fills every step it crosses, Control
+// holds the first step, Shift adjusts finely, Alt restores defaults; and the random register's cells.
+#include "StepEditors.h"
+
+#include <GL/glew.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "framework/BrelCorvaneBase.h"
+#include "modules/sequencing/StepLFO.h"
+
+namespace BR {
+
+namespace {
+constexpr uint32_t kPropertyRegisterEdit = 64152;
+constexpr float kFineSensitivity = 0.0005f;
+
+const BrelCorvaneStepLFO::StepLFOStatus* StepStatus(Manager* manager) {
+    ModuleStatusBlock* block = nullptr;
+    if (!manager->module || manager->FindParameter("Step 1 L") < 0 ||
+        manager->module->GetProperty(kPropertyStatusBlock, &block) != kNoErr || !block)
+        return nullptr;
+    return &block->As<BrelCorvaneStepLFO::StepLFOStatus>();
+}
+
+std::vector<int32_t> Rows(Manager* manager, const char* stem, int32_t first, int32_t count, int32_t id) {
+    std::vector<int32_t> rows;
+    for (int32_t n = first; n < first + count; ++n)
+        rows.push_back(FindRow(manager, stem, n, id == 0 ? " L" : " R"));
+    return rows;
+}
+}  // namespace
+
+RowEditor::RowEditor(Manager* manager, std::vector<int32_t> parameters_, bool bipolar_)
+    : ControlBase(manager),
+      parameters(std::move(parameters_)),
+      shownValues(parameters.size(), 0.0f),
+      newValues(parameters.size(), 0.0f),
+      bipolar(bipolar_) {}
+
+void RowEditor::Animate() {
+    for (size_t i = 0; i < parameters.size(); ++i)
+        newValues[i] = parameters[i] >= 0 ? manager->GetParameterValue(parameters[i]) : 0.0f;
+    const int32_t step = CurrentStep();
+    if (step != shownStep ||
+        std::memcmp(newValues.data(), shownValues.data(), newValues.size() * sizeof(float)) != 0) {
+        shownValues = newValues;
+        shownStep = step;
+        dirty = true;
+    }
+}
+
+void RowEditor::Draw() {
+    if (!visible || parameters.empty()) return;
+    const size_t count = parameters.size();
+    const float base = bipolar ? 0.5f : 0.0f;
+    auto height = [&](size_t i) {
+        const int32_t row = parameters[i];
+        return row >= 0 ? ValueToNormalised(manager->ParameterInfo(row), shownValues[i]) : base;
+    };
+    if (dirty) {
+        outline.clear();
+        for (size_t i = 0; i < count; ++i) {
+            const float h = height(i);
+            outline.push_back(float(i) / float(count)), outline.push_back(h);
+            outline.push_back(float(i + 1) / float(count)), outline.push_back(h);
+        }
+        dirty = false;
+    }
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glColor4fv(backgroundColour);
+    glRectf(rect[0], rect[1], rect[3], rect[4]);
+    glPushMatrix();
+    glTranslatef(rect[0], rect[1], 0);
+    glScalef(Width(), Height(), 1);
+    for (size_t i = 0; i < count; ++i) {
+        // The step playing now is drawn brighter.
+        const float lift = int32_t(i) == shownStep ? 0.3f : 0.0f;
+        glColor4f(std::min(fillColour[0] + lift, 1.0f), std::min(fillColour[1] + lift, 1.0f),
+                  std::min(fillColour[2] + lift, 1.0f), fillColour[3]);
+        glRectf(outline[4 * i], base, outline[4 * i + 2], outline[4 * i + 1]);
+    }
+    glEnable(GL_LINE_SMOOTH);
+    glColor4fv(lineColour);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(2, GL_FLOAT, 0, outline.data());
+    glDrawArrays(GL_LINE_STRIP, 0, GLsizei(outline.size() / 2));
+    glDisableClientState(GL_VERTEX_ARRAY);
+    glDisable(GL_LINE_SMOOTH);
+    glPopMatrix();
+}
+
+void RowEditor::PointToStep(Point point, int32_t& step, float& value) const {
+    const Point offset = ParentOffset();
+    const float x = point.x - offset.x - rect[0], y = point.y - offset.y - rect[1];
+    const int32_t count = int32_t(parameters.size());
+    step = std::clamp(int32_t(std::floor(x / Width() * float(count))), int32_t(0), count - 1);
+    value = bipolar ? (y - 0.5f * Height()) / (0.5f * Height()) : y / Height();
+    value = std::clamp(value, bipolar ? -1.0f : 0.0f, 1.0f);
+}
+
+void RowEditor::MouseDown(Point point, uint32_t modifiers, int32_t) {
+    float value = 0;
+    PointToStep(point, pressStep, value);
+    lastStep = pressStep;
+    pressPoint = point;
+    const int32_t row = parameters[size_t(pressStep)];
+    startValue = row >= 0 ? manager->GetParameterValue(row) : 0.0f;
+    editedSteps.clear();
+    MouseDragged(point, modifiers);
+}
+
+void RowEditor::MouseDragged(Point point, uint32_t modifiers) {
+    int32_t step = 0;
+    float value = 0;
+    PointToStep(point, step, value);
+    if (modifiers & kModControl) step = pressStep;
+    if (modifiers & kModShift)
+        value = std::clamp(startValue + (point.y - pressPoint.y) * kFineSensitivity, bipolar ? -1.0f : 0.0f,
+                           1.0f);
+    const int32_t direction = step >= lastStep ? 1 : -1;
+    for (int32_t s = lastStep;; s += direction) {
+        const int32_t row = parameters[size_t(s)];
+        if (row >= 0) {
+            const ParameterUiInfo& info = manager->ParameterInfo(row);
+            const float written =
+                std::clamp((modifiers & kModAlt) ? info.defaultValue : value, info.minimum, info.maximum);
+            // Each step's parameter starts its host gesture when the drag first reaches it.
+            if (std::find(editedSteps.begin(), editedSteps.end(), s) == editedSteps.end()) {
+                editedSteps.push_back(s);
+                manager->BeginParameterEdit(row);
+            }
+            shownValues[size_t(s)] = written;
+            manager->SetParameterValue(row, written);
+        }
+        if (s == step) break;
+    }
+    lastStep = step;
+}
+
+void RowEditor::MouseUp(Point, uint32_t) {
+    for (int32_t s : editedSteps)
+        if (parameters[size_t(s)] >= 0) manager->EndParameterEdit(parameters[size_t(s)]);
+    editedSteps.clear();
+}
+
+StepEditor::StepEditor(Manager* manager, int32_t id_, int32_t first_, int32_t count)
+    : RowEditor(manager, Rows(manager, "Step %d%s", first_, count, id_), true), id(id_), first(first_) {}
+
+int32_t StepEditor::CurrentStep() const {
+    const auto* status = StepStatus(manager);
+    return status ? status->currentStep[id & 1] - (first - 1) : -1;
+}
+
+DACEditor::DACEditor(Manager* manager, int32_t id_)
+    : RowEditor(manager, Rows(manager, "DAC Bit %d%s", 1, 24, id_), true), id(id_) {}
+
+RandomRegisterEditor::RandomRegisterEditor(Manager* manager, int32_t id_) : ControlBase(manager), id(id_) {}
+
+int32_t RandomRegisterEditor::StepAt(Point point) const {
+    const float x = point.x - ParentOffset().x - rect[0];
+    return std::clamp(int32_t(std::floor(x / (Width() * 0.020833334f))), int32_t(0), int32_t(47));
+}
+
+void RandomRegisterEditor::Write(int32_t step, int32_t operation) {
+    const int32_t payload[3] = {id, step, operation};
+    if (manager->module) manager->module->SetProperty(kPropertyRegisterEdit, payload, sizeof payload);
+}
+
+void RandomRegisterEditor::MouseDown(Point point, uint32_t modifiers, int32_t) {
+    pressStep = StepAt(point);
+    lastStep = pressStep - 1;
+    MouseDragged(point, modifiers);
+}
+
+void RandomRegisterEditor::MouseDragged(Point point, uint32_t modifiers) {
+    const int32_t step = StepAt(point);
+    if (step == lastStep) return;
+    const int32_t operation = (modifiers & kModShift) ? 2 : (modifiers & kModControl) ? 1 : 3;
+    // Every cell crossed since the last event, in either direction; the press starts one short of its
+    // cell so that the cell itself is written.
+    const int32_t direction = step > lastStep ? 1 : -1;
+    for (int32_t s = lastStep + direction;; s += direction) {
+        Write(s, operation);
+        if (s == step) break;
+    }
+    lastStep = step;
+}
+
+void RandomRegisterEditor::MouseUp(Point point, uint32_t) {
+    Write(StepAt(point), 0);
+}
+
+void RandomRegisterEditor::Draw() {
+    if (!visible) return;
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glColor4fv(backgroundColour);
+    glRectf(rect[0], rect[1], rect[3], rect[4]);
+    const auto* status = StepStatus(manager);
+    const uint64_t bits = status ? status->registerBits[id & 1] : 0;
+    const float cell = Width() * 0.020833334f;
+    glColor4fv(fillColour);
+    for (int i = 0; i < 48; ++i)
+        if ((bits >> i) & 1u)
+            glRectf(rect[0] + float(i) * cell + 1, rect[1] + 1, rect[0] + float(i + 1) * cell - 1,
+                    rect[4] - 1);
+    glColor4fv(lineColour);
+    glBegin(GL_LINE_LOOP);
+    glVertex2f(rect[0] + 0.5f, rect[1] + 0.5f), glVertex2f(rect[3] - 0.5f, rect[1] + 0.5f);
+    glVertex2f(rect[3] - 0.5f, rect[4] - 0.5f), glVertex2f(rect[0] + 0.5f, rect[4] - 0.5f);
+    glEnd();
+}
+
+}  // namespace BR
