@@ -78,8 +78,8 @@ const Help kHelp[] = {
      "(\"follow\" JACK's transport, the default; \"master\": drive it with the patch's transport; \"own\").\n"
      "  --driver clock            a real-time clock and no audio device, for OSC, Lua and MIDI output\n"
      "  --edit NAME               opens instance NAME's editor in a window\n"
-     "Exit status 0 after a signal or --seconds, 1 when the JACK server went away (states saved),\n"
-     "2 for bad input or no JACK server.\n"},
+     "A signal or --seconds ends it with status 0; when the JACK server goes away, the states are saved\n"
+     "and the status is 1; no JACK server is status 2.\n"},
     {"plot",
      "usage: corvane plot FILE.wav [--out FILE.png] [--plot-size WxH] [--plot-range START:END]\n"
      "Draws every channel of a WAV as a trace over time, one lane each, with time in seconds and\n"

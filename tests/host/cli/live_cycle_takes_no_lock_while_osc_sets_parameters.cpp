@@ -1,7 +1,7 @@
-// The live host's period with every instance's OSC server running: while a client sets parameters
-// over loopback (a plain /set, and a path a Lua script registered) and subscribes to updates, the
-// period takes no lock and allocates nothing, also in the periods where the changes land, and the
-// changes show in the rendered output.
+// The live host's period (the transport taken from outside, then the patch rendered) with every
+// instance's OSC server running: while a client sets parameters over loopback (a plain /set, and a
+// path a Lua script registered) and subscribes to updates, the period takes no lock and allocates
+// nothing, also in the periods where the changes land, and the changes show in the output.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -48,6 +48,8 @@ TEST(LiveCycle, TakesNoLockWhileOscSetsParameters) {
             s << osc::int32(0) << client.Client().c_str() << "/u";
         });
         const uint8_t noteOn[3] = {0x90, 0x3C, 0x64};
+        BR::OutsideTransport outside;
+        outside.rolling = true;
         uint64_t allocations = 0, locks = 0;
         bool sent = false, landed = false;
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
@@ -61,10 +63,12 @@ TEST(LiveCycle, TakesNoLockWhileOscSetsParameters) {
             {
                 AllocationScope allocationScope;
                 LockScope lockScope;
+                host.Follow(outside);  // the transport taken from JACK's, as the callback does
                 host.Cycle(period, cycle % 8 == 0 ? 1 : 0);
                 allocations += allocationScope.Count();
                 locks += lockScope.Count();
             }
+            outside.frame += period;
             landed = sent && left[period - 1] == 0.75f && right[period - 1] == 0.25f;
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
