@@ -8,8 +8,8 @@
 
 #include "GuiFont.h"
 #include "GuiTexture.h"
-#include "framework/ActiveParameter.h"
 #include "dialogs/Dialog.h"
+#include "framework/ActiveParameter.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/PreferenceStore.h"
 #include "widgets/Group.h"

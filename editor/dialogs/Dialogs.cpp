@@ -13,6 +13,7 @@
 #include "editor/Manager.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/PreferenceStore.h"
+#include "modules/events/MIDISender.h"
 
 namespace BR {
 
@@ -47,7 +48,11 @@ void SetMIDIBrowserDeviceSource(MIDIBrowserDeviceSource source) {
 
 std::vector<std::string> ListMIDIBrowserDevices() {
     MIDIBrowserDeviceSource source = deviceSource;
-    return source ? source() : std::vector<std::string>{};
+    if (source) return source();
+    // Without a source of its own the browser lists what the host's MIDI output opener can open: the
+    // names CV To MIDI's property 64100 matches.
+    const MIDIOutputLister lister = GetMIDIOutputLister();
+    return lister ? lister() : std::vector<std::string>{};
 }
 
 std::vector<std::string> ListSkinFolders(const std::string& productName) {

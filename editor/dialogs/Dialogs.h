@@ -123,8 +123,8 @@ private:
     bool failed = false;
 };
 
-// The devices the MIDI Browser lists, in device order. The host fills the source; without one the list
-// is empty.
+// The devices the MIDI Browser lists, in device order. A source set here comes first; without one the
+// list is the host's MIDI output devices (the lister installed beside the device opener), or empty.
 using MIDIBrowserDeviceSource = std::vector<std::string> (*)();
 void SetMIDIBrowserDeviceSource(MIDIBrowserDeviceSource source);
 std::vector<std::string> ListMIDIBrowserDevices();

@@ -21,7 +21,7 @@ createUI = createUI or function()
 	local function knobGroup( LR, title )
 		local g = group( title, groupPadding )
 		controlGrid( g, {
-			{ "button", "Enable " .. LR, "Enable" }, { "drop", "Channel " .. LR, "Channel" },
+			{ "button", "Enable " .. LR, "Enable" }, { "field", "Channel " .. LR, "Channel" },
 			{ "button", "Enable CC " .. LR, "CC" }, { "field", "Send CC " .. LR, "Send CC" },
 			{ "button", "Enable Note " .. LR, "Notes" }, { "drop", "Note On Mode " .. LR, "Note On" },
 			{ "drop", "Note Off Mode " .. LR, "Note Off" }, { "drop", "Gate Close Msg " .. LR, "Gate Close" } },

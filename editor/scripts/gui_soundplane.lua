@@ -20,7 +20,8 @@ createUI = createUI or function()
 	miscGroup = oscGroup( groupPadding )
 
 	voiceGroup = group( "Voice", groupPadding )
-	labelledDropDown( voiceGroup, "Voice ID", "Voice", 0, 0 )
+	-- "Voice ID" has no value names ("Off" at 0 is its display text), so a value field, not a drop-down.
+	controlGrid( voiceGroup, { { "field", "Voice ID", "Voice" } }, 1, 0, 0, 0, 0, kDropdownW )
 	voiceGroup:add( paramButton( "Gate Z", "Gate Z", 70, 0, kButtonW, 15 ) )
 
 	-- One row per output, one column per source, and the output's smoothing.

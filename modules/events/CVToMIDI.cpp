@@ -42,15 +42,11 @@ constexpr BR::ModuleConfig kConfig{2, 2, 0, 0, kOSCPortOffset, 1, presetTable, k
                                    -1};
 
 BR::CountedTextList* NamedList(int32_t row) {
-    static BR::CountedTextList* channels = new BR::CountedTextList(
-        {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12", "13", "14", "15", "16"});
     static BR::CountedTextList* onMode = new BR::CountedTextList({"Continuous", "Gate Only", "Gated"});
     static BR::CountedTextList* offMode = new BR::CountedTextList({"None", "Normal", "Legato"});
     static BR::CountedTextList* closeMsg = new BR::CountedTextList({"None", "Note Off"});
     if (row < kEnableL || row > 2 * kRowsPerChannel) return nullptr;
     switch (row - (row > kRowsPerChannel ? kRowsPerChannel : 0)) {
-        case kChannelL:
-            return channels;
         case kNoteOnModeL:
             return onMode;
         case kNoteOffModeL:

@@ -16,6 +16,7 @@
 #include "framework/InstanceRegistry.h"
 #include "framework/MessageQueue.h"
 #include "framework/ModuleServices.h"
+#include "framework/SharedState.h"
 #include "framework/StateChunkStore.h"
 
 namespace BrelCorvaneLearner {
@@ -62,8 +63,6 @@ Tables& TheTables() {
     static Tables* tables = new Tables;
     return *tables;
 }
-
-std::atomic<bool> learnActive{false};
 
 std::recursive_mutex& Lock() {
     return BR::InstanceRegistry::Lock();
@@ -139,7 +138,7 @@ void HandleMIDI(BrelCorvaneBase& module, const BR::MessageQueueItem& item) {
         Guard guard(Lock());
         Record(module, item);
     }
-    if (learnActive.load(std::memory_order_relaxed)) {
+    if (LearnActive()) {
         BrelCorvaneBase* active = nullptr;
         int32_t parameter = -1;
         BR::GetActiveParameter(active, parameter);
@@ -163,12 +162,14 @@ void InstallHook() {
     BR::SetGlobalMIDIHook(&HandleMIDI);
 }
 
+// The one process-wide byte that the Soundplane's learn button writes too: either module switches
+// learning for both.
 bool LearnActive() {
-    return learnActive.load(std::memory_order_relaxed);
+    return BR::GetLearnActive() != 0;
 }
 
 void SetLearnActive(bool on) {
-    learnActive.store(on, std::memory_order_relaxed);
+    BR::SetLearnActive(on ? 1 : 0);
 }
 
 float MappedValue(float minimum, float maximum, uint32_t unit, int32_t v) {

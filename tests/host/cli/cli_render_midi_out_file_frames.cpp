@@ -127,18 +127,24 @@ TEST(CliMidiOut, PatchInstancesWriteTheSameFileAsRender) {
     const std::string folder = BR::Test::MakeTempFolder();
     const BR::Test::RampAndGate signal(24000, 4000, 1000);
     const std::string in = WriteInput(folder, signal, 48000);
-    // Channel 1: a patch's number 3 for "Channel L" would be read as the value name "3".
-    auto result = BR::Test::RunCorvane("render cvtomidi --in " + in + SetOptions(1) + " --out " + folder +
-                                       "/r.wav --midi-out " + folder + "/r.mid");
+    // Channel 3 given as the plain text "3" on both sides: "Channel" is a number row without value
+    // names, so the text can only mean the value 3 (MIDI channel 3, status low nibble 2).
+    auto result =
+        BR::Test::RunCorvane("render cvtomidi --in " + in + SetOptions(3) + " --set \"Channel L=3\" --out " +
+                             folder + "/r.wav --midi-out " + folder + "/r.mid");
     ASSERT_EQ(result.status, 0) << result.err;
     std::ofstream(folder + "/p.json") << R"({"rate": 48000, "block": 128, "frames": 24000, "instances": [
         {"name": "a", "module": "cvtomidi", "inputs": ["in.wav:0", "in.wav:1"], "midi_out": "a.mid",
          "set": {"Enable CC L": 1, "Send CC L": 7, "Enable Note L": 1, "Note On Mode L": "Gate Only",
-                 "Enable R": 0}},
+                 "Enable R": 0, "Channel L": 3}},
         {"name": "silent", "module": "cvtomidi", "midi_out": "silent.mid"}]})";
     result = BR::Test::RunCorvane("patch " + folder + "/p.json");
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(ReadBytes(folder + "/a.mid"), ReadBytes(folder + "/r.mid"));
+    const ParsedFile rendered = Parse(ReadBytes(folder + "/r.mid"));
+    ASSERT_FALSE(rendered.messages.empty());
+    for (const Message& m : rendered.messages)
+        ASSERT_EQ(m.status & 0x0F, 2) << "channel 3";
     const ParsedFile silent = Parse(ReadBytes(folder + "/silent.mid"));
     EXPECT_TRUE(silent.messages.empty());
     EXPECT_EQ(silent.endTick, 24000u);

@@ -16,7 +16,8 @@ CORVANE=$BUILD/host/corvane
 TOOL=$BUILD/tests/host/lv2/corvane_host_tool
 for f in "$CORVANE" "$TOOL"; do [ -x "$f" ] || { echo "FAIL: $f is missing: build first" >&2; exit 1; }; done
 WORK=$(mktemp -d "${TMPDIR:-/tmp}/corvane-live-XXXXXX")
-export JACK_DEFAULT_SERVER="corvane-live-$$" JACK_NO_AUDIO_RESERVATION=1 JACK_NO_START_SERVER=1
+# One name, not one per run: JACK frees a killed server's slot only for a server of the same name.
+export JACK_DEFAULT_SERVER="corvane-live" JACK_NO_AUDIO_RESERVATION=1 JACK_NO_START_SERVER=1
 export XDG_CONFIG_HOME="$WORK/config" XDG_DATA_HOME="$WORK/data"
 mkdir -p "$XDG_CONFIG_HOME"
 PIDS=()

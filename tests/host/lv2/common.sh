@@ -31,7 +31,10 @@ ln -s "$PROBE_BUNDLE" "$WORK/lv2/corvane-probe.lv2"
 export LV2_PATH="$WORK/lv2:/usr/lib/lv2"
 # No user preference or host configuration of this machine reaches the tests.
 export XDG_CONFIG_HOME="$WORK/config"
-export JACK_DEFAULT_SERVER="corvane-$SCRIPT-$$"
+# One server name per script, not per run: JACK keeps eight server slots in shared memory and frees
+# a dead server's slot only when a server of the same name starts, so a name per run would fill them
+# after eight killed servers and every later test would fail to start one.
+export JACK_DEFAULT_SERVER="corvane-$SCRIPT"
 export JACK_NO_AUDIO_RESERVATION=1
 
 BACKGROUND=()

@@ -4,6 +4,7 @@
 
 #include "LearnerRig.h"
 #include "framework/InstanceRegistry.h"
+#include "modules/events/Soundplane.h"
 
 using BR::Test::LearnerTest;
 
@@ -105,4 +106,20 @@ TEST_F(LearnerTest, LearnActiveIsProcessWide) {
     a.GetProperty(64130, &active);
     EXPECT_FALSE(active);
     EXPECT_EQ(a.SetProperty(64130, nullptr, 0), BR::kErrInvalidProperty);
+}
+
+TEST_F(LearnerTest, LearnSwitchIsTheSoundplanesToo) {
+    // Property 64130 of both modules is one process-wide byte: a Soundplane's learn button turns the
+    // Learner's learning on, and the Learner turns it off for the Soundplane.
+    BrelCorvaneLearner::BrelCorvane learner;
+    BrelCorvaneSoundplane::BrelCorvane soundplane;
+    const uint8_t on = 1, off = 0;
+    ASSERT_EQ(soundplane.SetProperty(64130, &on, 1), BR::kNoErr);
+    bool active = false;
+    ASSERT_EQ(learner.GetProperty(64130, &active), BR::kNoErr);
+    EXPECT_TRUE(active);
+    ASSERT_EQ(learner.SetProperty(64130, &off, 1), BR::kNoErr);
+    uint8_t byte = 1;
+    ASSERT_EQ(soundplane.GetProperty(64130, &byte), BR::kNoErr);
+    EXPECT_EQ(byte, 0);
 }
