@@ -166,8 +166,9 @@ int Run(const Options& options) {
         if (!figures.heard[i]) silent += " " + std::to_string(i);
     std::printf("soak: instances whose outputs never left zero:%s\n",
                 silent.empty() ? " none" : silent.c_str());
-    std::printf("soak: queue overflows %zu (and %zu of CV To OSC's wall-clock sender), state round trips %s\n",
-                overflows, paced, failure.empty() ? "all equal" : failure.c_str());
+    std::printf(
+        "soak: queue overflows %zu (and %zu of CV To OSC's wall-clock sender), state round trips %s\n",
+        overflows, paced, failure.empty() ? "all equal" : failure.c_str());
     bool ok = failure.empty() && overflows == 0;
     // Resident memory may move by what the allocator keeps; a leak grows with the frames. Under the
     // thread sanitizer its own shadow memory and histories grow with the run, so memory is not judged.
