@@ -42,8 +42,12 @@ TEST(Lv2UiCycles, OpenCloseLeavesNoThreadOrGrowth) {
     const long grown = ResidentKilobytes() - settled;
     std::printf("%d cycles; resident memory after cycle 10: %ld kB, after the last: %+ld kB\n", cycles,
                 settled, grown);
-    // A leak of the panel's state or elements would be some hundred kilobytes a cycle.
+    // A leak of the panel's state or elements would be some hundred kilobytes a cycle. Under
+    // AddressSanitizer freed memory waits in its quarantine, so resident memory grows by design; there
+    // the leak checker judges leaks instead.
+#if !defined(__SANITIZE_ADDRESS__)
     EXPECT_LT(grown, 8 * 1024);
+#endif
 }
 
 }  // namespace BR::Test
