@@ -61,11 +61,14 @@ unsigned long LocalAddressFor(const IpEndpointName& endpoint) {
 }
 
 // The end of the string at `p`, padded to four bytes, or null when it does not end inside the message.
+// Found as the library finds it, so that both walks see the same arguments: the string ends at the first
+// word whose last byte is zero (a zero earlier in a word is read as part of the string).
 const char* SkipString(const char* p, const char* end) {
-    const void* zero = std::memchr(p, 0, size_t(end - p));
-    if (!zero) return nullptr;
-    const size_t length = ((static_cast<const char*>(zero) - p) + 4) & ~size_t(3);
-    return length <= size_t(end - p) ? p + length : nullptr;
+    if (p >= end) return nullptr;
+    if (p[0] == '\0') return end - p >= 4 ? p + 4 : nullptr;
+    for (p += 3; p < end; p += 4)
+        if (*p == '\0') return p + 1;
+    return nullptr;
 }
 
 // The library walks a message's arguments by their sizes before checking them, and takes a blob's size
