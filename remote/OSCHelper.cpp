@@ -224,11 +224,13 @@ IpEndpointName OSCHelper::ParseClientAddress(const char* text) {
         *colon = '\0';
         port = std::atoi(colon + 1);  // the decimal read stops at a trailing "/"
     }
-    // The library's look-up goes through the C library's gethostbyname, whose result lives in one
-    // static buffer: the receive threads of all instances (and scripts' sendOSC) take turns.
-    static std::mutex lookupLock;
-    std::lock_guard<std::mutex> guard(lookupLock);
+    std::lock_guard<std::mutex> guard(HostLookupLock());
     return IpEndpointName(GetHostByName(start), port);
+}
+
+std::mutex& HostLookupLock() {
+    static std::mutex lock;
+    return lock;
 }
 
 void OSCHelper::SendPacket(const IpEndpointName& endpoint, const char* data, size_t size) {

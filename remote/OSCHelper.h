@@ -27,6 +27,11 @@ struct lua_State;
 
 namespace BR {
 
+// One lock for every host-name look-up of the remote layer: the library's look-up goes through the C
+// library's gethostbyname, whose result lives in one static buffer shared by all threads (the receive
+// threads of all instances, scripts' sendOSC, and the senders of CV To OSC and the Learner).
+std::mutex& HostLookupLock();
+
 class LuaMIDIHelper;
 
 struct OSCUpdateClient {

@@ -6,8 +6,10 @@
 #include <oscpack/ip/UdpSocket.h>
 #include <oscpack/osc/OscOutboundPacketStream.h>
 
+#include <mutex>
 #include <stdexcept>
 
+#include "OSCHelper.h"
 #include "RemoteServices.h"
 
 namespace BR {
@@ -33,7 +35,11 @@ private:
 class OscpackTransmitter : public OSCTransmitter {
 public:
     bool ResolveHost(const char* name, uint32_t& address) override {
-        const unsigned long found = GetHostByName(name);
+        unsigned long found = 0;
+        {
+            std::lock_guard<std::mutex> guard(HostLookupLock());
+            found = GetHostByName(name);
+        }
         // The look-up gives 0 for a name it cannot resolve; the all-ones address is no target either.
         if (found == 0 || found == IpEndpointName::ANY_ADDRESS) return false;
         address = uint32_t(found);
