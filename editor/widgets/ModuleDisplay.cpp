@@ -256,17 +256,7 @@ FunctionDisplay::FunctionDisplay(Manager* manager, int32_t id_) : CurveDisplay(m
 }
 
 float FunctionDisplay::Transfer(int32_t function, float x, float s, float o, float g, float h) {
-    const float u = x * s + o;
-    switch (function) {
-        case BrelCorvaneFunction::kLogarithm:
-            return (u > 1e-10f ? std::log(u) * 1.442695f + 1.0f : 0.0f) * g + h;
-        case BrelCorvaneFunction::kExponential:
-            return std::exp((x * s + o - 1.0f) * 0.6931472f) * g + h;
-        case BrelCorvaneFunction::kAbsolute:
-            return std::fabs(u) * g + h;
-        default:
-            return u * g + h;
-    }
+    return BrelCorvaneFunction::TransferSample(function, x, s, o, g, h);
 }
 
 void FunctionDisplay::ComputeCurve(const std::vector<float>& v) {
