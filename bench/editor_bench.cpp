@@ -1,44 +1,30 @@
 // The editor's render thread under Xvfb and Mesa: frames per second and time per frame of DC's plain
 // panel, and DC's audio render with the editor open against the same with it closed.
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-
 #include <chrono>
 #include <cstdio>
 #include <thread>
 
 #include "BenchSupport.h"
 #include "editor/GenericPanel.h"
+#include "editor/PrivateXServer.h"
 #include "editor/X11Window.h"
 #include "editor/ZPmanager.h"
 
-extern char** environ;
-
 namespace {
 
-// An Xvfb of the benchmark's own on :57, for the life of the program.
-struct Server {
-    Server() {
-        char* argv[] = {
-            const_cast<char*>("Xvfb"), const_cast<char*>(":57"),         const_cast<char*>("-screen"),
-            const_cast<char*>("0"),    const_cast<char*>("1024x768x24"), const_cast<char*>("-nolisten"),
-            const_cast<char*>("tcp"),  const_cast<char*>("-noreset"),    nullptr};
-        if (posix_spawnp(&pid, "Xvfb", nullptr, nullptr, argv, environ) != 0) pid = -1;
-        std::this_thread::sleep_for(std::chrono::milliseconds(700));
-    }
-    ~Server() {
-        if (pid > 0) kill(pid, SIGTERM), waitpid(pid, nullptr, 0);
-    }
-    pid_t pid = -1;
-};
+// An Xvfb of the benchmark's own on a display it picks, for the life of the program.
+const char* TheDisplay() {
+    static BR::PrivateXServer server(true, 1024, 768);
+    return server.Running() ? server.Name().c_str() : nullptr;
+}
 
 // DC's plain panel in a window, with its render thread running; the window thread is pumped by
 // whoever waits on it.
 struct OpenEditor {
     explicit OpenEditor(BrelCorvaneBase& module) : manager(&module) {
         BR::BuildGenericPanel(manager);
-        open = window.Open(manager.designWidth, manager.designHeight, "bench", 0, ":57");
+        open =
+            TheDisplay() && window.Open(manager.designWidth, manager.designHeight, "bench", 0, TheDisplay());
         if (!open) return;
         window.manager = &manager;
         manager.CreateRenderTask(&window);
@@ -57,17 +43,11 @@ struct OpenEditor {
     bool open = false;
 };
 
-Server& TheServer() {
-    static Server server;
-    return server;
-}
-
 void BM_EditorFrame(benchmark::State& state) {
-    TheServer();
     BR::Bench::ModuleRig rig("dc", 256);
     OpenEditor editor(rig.driver->Module());
     if (!editor.open) {
-        state.SkipWithError("no editor window on :57");
+        state.SkipWithError("no editor window on a private Xvfb");
         return;
     }
     editor.WaitFrame();
@@ -88,11 +68,10 @@ BENCHMARK(BM_EditorFrame)->UseRealTime()->MinTime(3.0)->Unit(benchmark::kMillise
 
 // DC's audio blocks with its editor drawing on its own thread meanwhile.
 void BM_DCRenderEditorOpen(benchmark::State& state) {
-    TheServer();
     BR::Bench::ModuleRig rig("dc", 256);
     OpenEditor editor(rig.driver->Module());
     if (!editor.open) {
-        state.SkipWithError("no editor window on :57");
+        state.SkipWithError("no editor window on a private Xvfb");
         return;
     }
     std::atomic<bool> stop{false};

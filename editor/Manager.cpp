@@ -144,6 +144,24 @@ void Manager::EndParameterEdit(int32_t parameter) {
     editedParameter = -1;
 }
 
+void Manager::BeginGroupEdit(int32_t parameter) {
+    if (parameter < 0 || std::find(groupEdited.begin(), groupEdited.end(), parameter) != groupEdited.end())
+        return;
+    // A single-parameter gesture still open ends first: the host sees no edit nested in another.
+    if (editedParameter >= 0) EndParameterEdit(editedParameter);
+    groupEdited.push_back(parameter);
+    if (beginEdit) beginEdit(parameter, callbackContext);
+    gTouchedModule = module;
+    gTouchedParameter = parameter;
+    BR::SetActiveParameter(module, parameter);
+}
+
+void Manager::EndGroupEdits() {
+    for (int32_t parameter : groupEdited)
+        if (endEdit) endEdit(parameter, callbackContext);
+    groupEdited.clear();
+}
+
 int32_t Manager::MessageIdForText(const std::string& text) {
     int32_t lowest = -1;
     for (const auto& [id, message] : extraMessages) {

@@ -107,6 +107,10 @@ public:
 
     void BeginParameterEdit(int32_t parameter);
     void EndParameterEdit(int32_t parameter);
+    // A gesture over many parameters at once (a drag painting steps): each parameter's host edit starts
+    // as it is first touched and stays open, beside the others, until EndGroupEdits.
+    void BeginGroupEdit(int32_t parameter);
+    void EndGroupEdits();
     // Writes a table row's value through its parameter object, clamped to its range.
     void SetParameterValue(int32_t parameter, float value);
     float GetParameterValue(int32_t parameter) const;
@@ -161,6 +165,8 @@ public:
     UIElement* tooltipElement = nullptr;
     int32_t hoveredParameter = -1;
     int32_t editedParameter = -1;
+    // The parameters of the open group gesture, in the order they were first touched.
+    std::vector<int32_t> groupEdited;
     float tooltipAlpha = 0;
     float tooltipBox[4] = {0, 0, 0, 0};
     UIElement* focusedElement = nullptr;

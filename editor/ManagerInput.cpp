@@ -136,6 +136,7 @@ void Manager::MouseUp(Point point, uint32_t modifiers) {
         if (releaseCapture) releaseCapture(callbackContext);
         pressedElement->MouseUp(ConvertPoint(point), modifiers);
         if (editedParameter >= 0) EndParameterEdit(editedParameter);
+        EndGroupEdits();
     }
     pressedElement = nullptr;
 }

@@ -6,28 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "PrivateXServer.h"
+
 class BrelCorvaneBase;
 
 namespace BR {
-
-// An Xvfb of its own on a display it picks (-displayfd), stopped at destruction.
-class PrivateXServer {
-public:
-    PrivateXServer();
-    ~PrivateXServer();
-    PrivateXServer(const PrivateXServer&) = delete;
-    PrivateXServer& operator=(const PrivateXServer&) = delete;
-    bool Running() const { return pid > 0; }
-    const std::string& Name() const { return display; }
-
-private:
-    std::string display;
-    int pid = -1;
-};
-
-// RGB rows, top row first, of a window on `display`; empty when it cannot be read.
-std::vector<uint8_t> GrabWindowRgb(const char* display, unsigned long window, int& width, int& height);
-bool WritePng(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height);
 
 struct PanelPicture {
     std::vector<uint8_t> rgb;

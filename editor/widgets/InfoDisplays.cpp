@@ -177,13 +177,17 @@ void FollowerPitchDisplay::Animate() {
     ring[size_t(position)] = AxisPosition(status.noPitch ? 0.0f : status.frequency);
 }
 
-void FollowerPitchDisplay::DrawContent() {
+const std::vector<float>& FollowerPitchDisplay::BuildStrip() {
     strip.clear();
     for (int i = 0; i < kLength; ++i) {
         strip.push_back(float(i) / float(kLength - 1));
         strip.push_back(ring[size_t((position + 1 + i) % kLength)]);
     }
-    DrawUnitStrip(strip, lineColour);
+    return strip;
+}
+
+void FollowerPitchDisplay::DrawContent() {
+    DrawUnitStrip(BuildStrip(), lineColour);
 }
 
 LearnerInfoDisplay::LearnerInfoDisplay(Manager* manager) : ModuleDisplay(manager) {

@@ -65,6 +65,8 @@ public:
     void DrawContent() override;
     // The height on the axis, 0 to 1; no pitch (0 or less) stands at the bottom.
     static float AxisPosition(float frequency);
+    // The ring as a unit-space strip, oldest entry at the left, into `strip`.
+    const std::vector<float>& BuildStrip();
     static constexpr int kLength = 128;
     int32_t position = 0;
     std::array<float, kLength> ring{};

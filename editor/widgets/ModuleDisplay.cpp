@@ -10,15 +10,20 @@
 
 #include "editor/widgets/Control.h"
 #include "framework/BrelCorvaneBase.h"
+#include "framework/PolySine.h"
+#include "framework/RandomGenerator.h"
+#include "modules/sequencing/Envelope.h"
+#include "modules/sequencing/Trigger.h"
+#include "modules/sequencing/VoiceController.h"
 #include "modules/simple/Function.h"
 #include "modules/simple/LFO.h"
 
 namespace BR {
 
 namespace {
-constexpr uint32_t kPropertyCalibrationTable = 64016;
-constexpr uint32_t kPropertyCalibrationCount = 64018;
-constexpr float kTwoPi = 6.2831853f;
+constexpr uint32_t kCalibrationTableProperty = 64016;
+constexpr uint32_t kCalibrationCountProperty = 64018;
+constexpr uint32_t kEnvelopeLayoutProperty = 64015;
 }  // namespace
 
 int32_t FindRow(Manager* manager, const char* format, int32_t number, const char* suffix) {
@@ -105,65 +110,100 @@ void CurveDisplay::Animate() {
     }
 }
 
+void CurveDisplay::PrepareCurve() {
+    if (!dirty) return;
+    ComputeCurve(shownValues);
+    dirty = false;
+    ++recomputations;
+}
+
 void CurveDisplay::DrawContent() {
-    if (dirty) {
-        ComputeCurve(shownValues);
-        dirty = false;
-    }
+    PrepareCurve();
     if (filled) FillUnitStrip(vertices, fillBase, fillColour);
     DrawUnitStrip(vertices, lineColour);
     DrawLive();
 }
 
-// Rows: five times (A1, A2, A3, R1, R2), five shapes, then the levels A1, A2, Sustain, R1.
+// Rows from the module's layout (property 64015: the row of "Env 1 Time A1" and the distance to the
+// next envelope's, the row of "Env 1 Type A1" and its distance): fourteen rows from the first (five
+// times, five shapes, "Level A1", "Level A2", "Sustain", "Level R1"), then the five types.
 EnvDisplay::EnvDisplay(Manager* manager, int32_t id_) : CurveDisplay(manager, {}), id(id_) {
-    const char* stages[5] = {"A1", "A2", "A3", "R1", "R2"};
-    for (const char* stage : stages)
-        watched.push_back(FindRow(manager, "Env %d Time %s", id + 1, stage));
-    for (const char* stage : stages)
-        watched.push_back(FindRow(manager, "Env %d Shape %s", id + 1, stage));
-    watched.push_back(FindRow(manager, "Env %d Level %s", id + 1, "A1"));
-    watched.push_back(FindRow(manager, "Env %d Level %s", id + 1, "A2"));
-    watched.push_back(FindRow(manager, "Env %d Sustain%s", id + 1, ""));
-    watched.push_back(FindRow(manager, "Env %d Level %s", id + 1, "R1"));
+    int32_t layout[4] = {-1, 0, -1, 0};
+    if (!manager->module || manager->module->GetProperty(kEnvelopeLayoutProperty, layout) != kNoErr)
+        layout[0] = layout[2] = -1;
+    auto row = [&](int32_t base, int32_t stride, int32_t k) {
+        const int32_t index = base < 0 ? -1 : base + id * stride + k;
+        return index >= 0 && index < manager->NumParameters() ? index : -1;
+    };
+    for (int32_t k = 0; k < 14; ++k)
+        watched.push_back(row(layout[0], layout[1], k));
+    for (int32_t k = 0; k < kNumEnvSegments; ++k)
+        watched.push_back(row(layout[2], layout[3], k));
     shownValues.assign(watched.size(), 0.0f);
     newValues.assign(watched.size(), 0.0f);
     filled = true;
+    voiceController = manager->FindParameter("Env 2 Time A1") >= 0;
 }
 
 void EnvDisplay::ComputeCurve(const std::vector<float>& values) {
-    auto level = [&](size_t k) {
-        const int32_t row = watched[10 + k];
-        return row >= 0 ? ValueToNormalised(manager->ParameterInfo(row), values[10 + k]) : 0.0f;
-    };
-    auto shape = [&](size_t k) {
-        const int32_t row = watched[5 + k];
-        return row >= 0 ? ValueToNormalised(manager->ParameterInfo(row), values[5 + k]) : 0.5f;
-    };
-    // Stage ends: A1, A2, A3 (to the sustain), a held sustain, R1, R2 (to zero).
-    const float targets[5] = {level(0), level(1), level(2), level(3), 0.0f};
-    float times[5], total = 0;
-    for (size_t k = 0; k < 5; ++k)
-        total += times[k] = std::max(values[k], 0.0f) + 1e-3f;
-    const float hold = 0.2f * total;
-    total += hold;
-    vertices.assign({0.0f, 0.0f});
-    float t = 0, from = 0;
-    for (size_t k = 0; k < 5; ++k) {
-        // A segment's curve: the shape's position bends it from convex to concave.
-        const float exponent = std::pow(4.0f, 2.0f * shape(k) - 1.0f);
-        for (int i = 1; i <= 8; ++i) {
-            const float u = float(i) / 8.0f;
-            vertices.push_back((t + u * times[k]) / total);
-            vertices.push_back(from + (targets[k] - from) * std::pow(u, exponent));
+    vertices.clear();
+    if (watched.empty() || watched[0] < 0) return;
+    // The rows as the module reads them, with the multiplier at "1" (the times as set), full velocity
+    // and a start from zero: the shape of a note from silence.
+    EnvParameters p;
+    for (int32_t k = 0; k < kNumEnvSegments; ++k) {
+        p.time[k] = std::max(values[size_t(k)], 0.0f);
+        p.shape[k] = values[size_t(5 + k)];
+        p.type[k] = watched[size_t(14 + k)] >= 0 ? int32_t(values[size_t(14 + k)]) : kEnvExponential;
+    }
+    p.levelA1 = values[10], p.levelA2 = values[11], p.sustain = values[12], p.levelR1 = values[13];
+    p.velocityDepth = 0;
+    p.resetToZero = true;
+    p.multiplier = 1;
+    totalSeconds = 1.0f + p.time[kSegA1] + p.time[kSegA2] + p.time[kSegA3] + p.time[kSegR1] + p.time[kSegR2];
+    const float rate = CurveRate(totalSeconds);
+    // Each stage gets the slot of its nominal length (a segment lasts at least one sample, as in the
+    // module); one that reaches its target early holds its last level for the rest of the slot.
+    auto slot = [&](float seconds) { return std::max(uint32_t(seconds * rate), uint32_t(1)); };
+    const int32_t stages[5] = {kEnvA1, kEnvA2, kEnvA3, kEnvR1, kEnvR2};
+    const uint32_t slots[6] = {slot(p.time[kSegA1]), slot(p.time[kSegA2]), slot(p.time[kSegA3]),
+                               uint32_t(rate),       slot(p.time[kSegR1]), slot(p.time[kSegR2])};
+    uint32_t total = 0;
+    for (uint32_t n : slots)
+        total += n;
+    Envelope envelope;
+    EnvDisplayValues unused;
+    envNoteOn(envelope, 1.0f, p, rate);
+    float level = 0;
+    uint32_t index = 0;
+    vertices.push_back(0.0f), vertices.push_back(0.0f);
+    for (int32_t s = 0; s < 6; ++s) {
+        if (s == 3) {
+            // The held note: the module's block update sets the sustain level.
+            envBlockUpdate(envelope, p, rate, unused);
+            level = envelope.level;
         }
-        t += times[k];
-        from = targets[k];
-        if (k == 2) {
-            t += hold;
-            vertices.push_back(t / total), vertices.push_back(from);
+        if (s == 4) envNoteOff(envelope, p, rate);
+        const int32_t stage = s == 3 ? int32_t(kEnvSustain) : stages[s < 3 ? s : s - 1];
+        for (uint32_t i = 0; i < slots[s]; ++i) {
+            if (envelope.stageIndex == stage) renderEnvelope(envelope, &level, 1);
+            ++index;
+            vertices.push_back(float(index) / float(total));
+            vertices.push_back(level);
         }
     }
+}
+
+void EnvDisplay::DrawLive() {
+    // Where the module's envelope runs now: its position along the same time axis, and its level.
+    ModuleStatusBlock* block = StatusBlock();
+    if (!block || watched.empty() || watched[0] < 0) return;
+    const EnvDisplayValues& live =
+        voiceController ? block->As<BrelCorvaneVoiceController::VoiceControllerStatus>().envelope[id % 3]
+                        : block->As<BrelCorvaneTrigger::TriggerStatus>().envelope;
+    if (!(live.position > 0)) return;
+    const float marker[4] = {0.3f, 1.0f, 0.5f, 1.0f};
+    DrawMarker(std::min(live.position, 1.0f), std::clamp(live.level, 0.0f, 1.0f), 2, marker);
 }
 
 // The nine rows of a channel that shape its wave.
@@ -178,20 +218,23 @@ WaveformDisplay::WaveformDisplay(Manager* manager, int32_t id_) : CurveDisplay(m
 }
 
 void WaveformDisplay::ComputeCurve(const std::vector<float>& v) {
-    const float sine = v[0], triangle = v[1], square = v[2], saw = v[3], offset = v[6];
-    const float width = std::clamp(v[7] > 1.0f ? v[7] * 0.01f : v[7], 0.01f, 0.99f);
-    const float asymmetry = std::clamp(v[8] > 1.0f ? v[8] * 0.01f : v[8], 0.01f, 0.99f);
+    using namespace BrelCorvaneLFO;
+    // Rows: Sine, Triangle, Square, Saw, Random, Noise, Offset, Pulse Width (%), Asymmetry (%).
+    const WaveMix mix = MakeWaveMix(v[0], v[1], v[2], v[3], v[4], v[5], v[6], PulseWidthFraction(v[7]),
+                                    AsymmetryMiddle(v[8]));
+    // The random and noise parts from a fixed seed, so that the picture stands still: the held random
+    // value of this cycle, and the noise running through it.
+    uint32_t seed = NextRandomState(kCurveSeed);
+    const float held = RandomStateToFloat(seed);
     vertices.clear();
-    for (int i = 0; i <= 128; ++i) {
-        const float p = float(i) / 128.0f;
-        // The asymmetry moves the middle of the cycle.
-        const float q =
-            p < asymmetry ? 0.5f * p / asymmetry : 0.5f + 0.5f * (p - asymmetry) / (1 - asymmetry);
-        const float tri = q < 0.25f ? 4 * q : q < 0.75f ? 2 - 4 * q : 4 * q - 4;
-        const float y = sine * std::sin(kTwoPi * q) + triangle * tri + square * (p < width ? 1.0f : -1.0f) +
-                        saw * (2 * q - 1) + offset;
-        vertices.push_back(p);
-        vertices.push_back(std::clamp(0.5f + 0.5f * y, 0.0f, 1.0f));
+    for (int i = 0; i <= kCurvePoints; ++i) {
+        const float f = float(i) / float(kCurvePoints);
+        const float p = WarpedPhase(mix, f);
+        seed = NextRandomState(seed);
+        const float noise = RandomStateToFloat(seed);
+        const float w = PeriodicWaves(mix, p, PolySine(p)) + held * mix.random + noise * mix.noise;
+        vertices.push_back(float(i) / float(kCurvePoints));
+        vertices.push_back(std::clamp(0.5f + 0.5f * (w + mix.offset), 0.0f, 1.0f));
     }
 }
 
@@ -213,17 +256,7 @@ FunctionDisplay::FunctionDisplay(Manager* manager, int32_t id_) : CurveDisplay(m
 }
 
 float FunctionDisplay::Transfer(int32_t function, float x, float s, float o, float g, float h) {
-    const float u = x * s + o;
-    switch (function) {
-        case BrelCorvaneFunction::kLogarithm:
-            return (u > 1e-10f ? std::log(u) * 1.442695f + 1.0f : 0.0f) * g + h;
-        case BrelCorvaneFunction::kExponential:
-            return std::exp((x * s + o - 1.0f) * 0.6931472f) * g + h;
-        case BrelCorvaneFunction::kAbsolute:
-            return std::fabs(u) * g + h;
-        default:
-            return u * g + h;
-    }
+    return BrelCorvaneFunction::TransferSample(function, x, s, o, g, h);
 }
 
 void FunctionDisplay::ComputeCurve(const std::vector<float>& v) {
@@ -257,16 +290,21 @@ bool CalibrationDisplay::ReadTable(const float*& pairs, int32_t& count) const {
     pairs = nullptr, count = 0;
     if (!manager->module) return false;
     const void* address = nullptr;
-    if (manager->module->GetProperty(kPropertyCalibrationTable, &address) != kNoErr || !address) return false;
-    if (manager->module->GetProperty(kPropertyCalibrationCount, &count) != kNoErr) return false;
+    if (manager->module->GetProperty(kCalibrationTableProperty, &address) != kNoErr || !address) return false;
+    if (manager->module->GetProperty(kCalibrationCountProperty, &count) != kNoErr) return false;
     pairs = static_cast<const float*>(address);
     return count > 0;
+}
+
+void CalibrationDisplay::Draw() {
+    const float* pairs = nullptr;
+    int32_t count = 0;
+    if (ReadTable(pairs, count)) ModuleDisplay::Draw();
 }
 
 void CalibrationDisplay::DrawContent() {
     const float* pairs = nullptr;
     int32_t count = 0;
-    // A module without a table draws only the background.
     if (!ReadTable(pairs, count)) return;
     std::vector<float>& xy = points;
     xy.clear();

@@ -46,27 +46,44 @@ public:
     virtual void ComputeCurve(const std::vector<float>& values) = 0;
     // Draws after the curve: markers of the running state.
     virtual void DrawLive() {}
+    // Recomputes the vertices if a watched parameter changed since the last time; no GL involved.
+    void PrepareCurve();
 
     std::vector<int32_t> watched;
     std::vector<float> shownValues, newValues;
     std::vector<float> vertices;
     bool dirty = true;
+    // How many times the vertices were computed: once, then once per change of a watched parameter.
+    int32_t recomputations = 0;
     bool filled = false;
     float fillBase = 0.0f;
 };
 
-// The shape of envelope `id` (0 to 2): five stage times in proportion, their levels and curves.
+// The shape of envelope `id` (0 to 2) as the module plays it: its 19 rows (five times, five shapes,
+// four levels, five curve types), found through the module's property 64015, run through the
+// module's own envelope code. Time runs left to right with each stage in proportion to its duration
+// and the sustain held for a nominal second, as the module's position marker counts it.
 class EnvDisplay : public CurveDisplay {
 public:
     EnvDisplay(Manager* manager, int32_t id);
     void ComputeCurve(const std::vector<float>& values) override;
+    void DrawLive() override;
+    // Samples per second of the computed shape, for a whole shape of `totalSeconds`.
+    static float CurveRate(float totalSeconds) { return 480.0f / totalSeconds; }
     int32_t id;
+    bool voiceController = false;  // three envelopes in the status block, else the Trigger's one
+    // Seconds the curve covers: 1 + the five times.
+    float totalSeconds = 1;
 };
 
 // One cycle of the LFO's mixed waveform of channel `id`, with a marker at the running phase.
 class WaveformDisplay : public CurveDisplay {
 public:
+    // One cycle drawn from this many phases plus the closing one; the noise's fixed seed.
+    static constexpr int kCurvePoints = 128;
+    static constexpr uint32_t kCurveSeed = 0x5eed1234u;
     WaveformDisplay(Manager* manager, int32_t id);
+    // One cycle with the LFO's own wave code (BrelCorvaneLFO::PeriodicWaves).
     void ComputeCurve(const std::vector<float>& values) override;
     void DrawLive() override;
     int32_t id;
@@ -89,6 +106,8 @@ public:
 class CalibrationDisplay : public ModuleDisplay {
 public:
     explicit CalibrationDisplay(Manager* manager);
+    // Nothing at all, not even the background, while the module keeps no table.
+    void Draw() override;
     void DrawContent() override;
     // Reads the table's address and count; false when the module keeps none.
     bool ReadTable(const float*& pairs, int32_t& count) const;

@@ -15,6 +15,7 @@ namespace BR {
 
 namespace {
 constexpr uint32_t kPropertyRegisterEdit = 64152;
+// Value per pixel of a Shift drag: 2000 px cover a unit, as the knobs' fine mode does.
 constexpr float kFineSensitivity = 0.0005f;
 
 const BrelCorvaneStepLFO::StepLFOStatus* StepStatus(Manager* manager) {
@@ -31,22 +32,76 @@ std::vector<int32_t> Rows(Manager* manager, const char* stem, int32_t first, int
         rows.push_back(FindRow(manager, stem, n, id == 0 ? " L" : " R"));
     return rows;
 }
+
+std::vector<int32_t> Named(Manager* manager, std::initializer_list<const char*> names, int32_t id) {
+    std::vector<int32_t> rows;
+    for (const char* name : names)
+        rows.push_back(manager->FindParameter(std::string(name) + (id == 0 ? " L" : " R")));
+    return rows;
+}
 }  // namespace
 
-RowEditor::RowEditor(Manager* manager, std::vector<int32_t> parameters_, bool bipolar_)
+RowEditor::RegionReceiver::RegionReceiver(Manager* manager, RowEditor* editor_, int32_t step_)
+    : UIElement(manager), editor(editor_), step(step_) {}
+
+void RowEditor::RegionReceiver::GetBounds(Box& bounds) {
+    // The cell's width at the editor's full height, in panel space: the receiver has no parent group.
+    const Point offset = editor->ParentOffset();
+    const float cell = editor->Width() / float(std::max(editor->ShownSteps(), int32_t(1)));
+    const float x0 = offset.x + editor->rect[0] + float(step) * cell;
+    bounds.v[0] = std::min(bounds.v[0], x0);
+    bounds.v[3] = std::max(bounds.v[3], x0 + cell);
+    bounds.v[1] = std::min(bounds.v[1], offset.y + editor->rect[1]);
+    bounds.v[4] = std::max(bounds.v[4], offset.y + editor->rect[4]);
+    bounds.v[2] = std::min(bounds.v[2], 0.0f);
+    bounds.v[5] = std::max(bounds.v[5], 0.0f);
+}
+
+void RowEditor::RegionReceiver::MouseDown(Point point, uint32_t modifiers, int32_t clickCount) {
+    editor->MouseDown(point, modifiers, clickCount);
+}
+
+void RowEditor::RegionReceiver::MouseDragged(Point point, uint32_t modifiers) {
+    editor->MouseDragged(point, modifiers);
+}
+
+void RowEditor::RegionReceiver::MouseUp(Point point, uint32_t modifiers) {
+    editor->MouseUp(point, modifiers);
+}
+
+void RowEditor::RegionReceiver::MouseEnter() {
+    manager->hoveredParameter = editor->parameters[size_t(step)];
+    manager->tooltipElement = this;
+}
+
+void RowEditor::RegionReceiver::MouseExit() {
+    if (manager->hoveredParameter == editor->parameters[size_t(step)]) manager->hoveredParameter = -1;
+}
+
+RowEditor::RowEditor(Manager* manager, std::vector<int32_t> parameters_, std::vector<int32_t> controls,
+                     bool bipolar_)
     : ControlBase(manager),
       parameters(std::move(parameters_)),
+      controlParameters(std::move(controls)),
       shownValues(parameters.size(), 0.0f),
       newValues(parameters.size(), 0.0f),
-      bipolar(bipolar_) {}
+      shownControls(controlParameters.size(), 0.0f),
+      bipolar(bipolar_) {
+    for (size_t i = 0; i < parameters.size(); ++i)
+        regions.push_back(new RegionReceiver(manager, this, int32_t(i)));
+}
 
 void RowEditor::Animate() {
     for (size_t i = 0; i < parameters.size(); ++i)
         newValues[i] = parameters[i] >= 0 ? manager->GetParameterValue(parameters[i]) : 0.0f;
+    bool changed = std::memcmp(newValues.data(), shownValues.data(), newValues.size() * sizeof(float)) != 0;
+    if (changed) shownValues = newValues;
+    for (size_t i = 0; i < controlParameters.size(); ++i) {
+        const float value = controlParameters[i] >= 0 ? manager->GetParameterValue(controlParameters[i]) : 0;
+        if (value != shownControls[i]) shownControls[i] = value, changed = true;
+    }
     const int32_t step = CurrentStep();
-    if (step != shownStep ||
-        std::memcmp(newValues.data(), shownValues.data(), newValues.size() * sizeof(float)) != 0) {
-        shownValues = newValues;
+    if (changed || step != shownStep) {
         shownStep = step;
         dirty = true;
     }
@@ -54,20 +109,19 @@ void RowEditor::Animate() {
 
 void RowEditor::Draw() {
     if (!visible || parameters.empty()) return;
-    const size_t count = parameters.size();
+    const size_t count = size_t(std::clamp(ShownSteps(), int32_t(1), int32_t(parameters.size())));
     const float base = bipolar ? 0.5f : 0.0f;
-    auto height = [&](size_t i) {
-        const int32_t row = parameters[i];
-        return row >= 0 ? ValueToNormalised(manager->ParameterInfo(row), shownValues[i]) : base;
-    };
     if (dirty) {
+        // A stepped outline: two vertices a step, each at the step's level.
         outline.clear();
         for (size_t i = 0; i < count; ++i) {
-            const float h = height(i);
+            const int32_t row = parameters[i];
+            const float h = row >= 0 ? ValueToNormalised(manager->ParameterInfo(row), shownValues[i]) : base;
             outline.push_back(float(i) / float(count)), outline.push_back(h);
             outline.push_back(float(i + 1) / float(count)), outline.push_back(h);
         }
         dirty = false;
+        ++recomputations;
     }
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
@@ -93,10 +147,18 @@ void RowEditor::Draw() {
     glPopMatrix();
 }
 
+UIElement* RowEditor::HitTest(Point point) {
+    if (!ControlBase::HitTest(point) || parameters.empty()) return nullptr;
+    int32_t step = 0;
+    float value = 0;
+    PointToStep(Point{point.x + ParentOffset().x, point.y + ParentOffset().y}, step, value);
+    return regions[size_t(step)];
+}
+
 void RowEditor::PointToStep(Point point, int32_t& step, float& value) const {
     const Point offset = ParentOffset();
     const float x = point.x - offset.x - rect[0], y = point.y - offset.y - rect[1];
-    const int32_t count = int32_t(parameters.size());
+    const int32_t count = std::clamp(ShownSteps(), int32_t(1), int32_t(parameters.size()));
     step = std::clamp(int32_t(std::floor(x / Width() * float(count))), int32_t(0), count - 1);
     value = bipolar ? (y - 0.5f * Height()) / (0.5f * Height()) : y / Height();
     value = std::clamp(value, bipolar ? -1.0f : 0.0f, 1.0f);
@@ -109,11 +171,11 @@ void RowEditor::MouseDown(Point point, uint32_t modifiers, int32_t) {
     pressPoint = point;
     const int32_t row = parameters[size_t(pressStep)];
     startValue = row >= 0 ? manager->GetParameterValue(row) : 0.0f;
-    editedSteps.clear();
     MouseDragged(point, modifiers);
 }
 
 void RowEditor::MouseDragged(Point point, uint32_t modifiers) {
+    if (pressStep < 0) return;
     int32_t step = 0;
     float value = 0;
     PointToStep(point, step, value);
@@ -121,6 +183,7 @@ void RowEditor::MouseDragged(Point point, uint32_t modifiers) {
     if (modifiers & kModShift)
         value = std::clamp(startValue + (point.y - pressPoint.y) * kFineSensitivity, bipolar ? -1.0f : 0.0f,
                            1.0f);
+    // Every column between the last event and this one, so that a fast drag leaves no gap.
     const int32_t direction = step >= lastStep ? 1 : -1;
     for (int32_t s = lastStep;; s += direction) {
         const int32_t row = parameters[size_t(s)];
@@ -128,12 +191,11 @@ void RowEditor::MouseDragged(Point point, uint32_t modifiers) {
             const ParameterUiInfo& info = manager->ParameterInfo(row);
             const float written =
                 std::clamp((modifiers & kModAlt) ? info.defaultValue : value, info.minimum, info.maximum);
-            // Each step's parameter starts its host gesture when the drag first reaches it.
-            if (std::find(editedSteps.begin(), editedSteps.end(), s) == editedSteps.end()) {
-                editedSteps.push_back(s);
-                manager->BeginParameterEdit(row);
-            }
+            // Each step's host gesture starts when the drag first reaches it and lasts to the release.
+            manager->BeginGroupEdit(row);
+            // Shown at once, without waiting for Animate to find the change.
             shownValues[size_t(s)] = written;
+            dirty = true;
             manager->SetParameterValue(row, written);
         }
         if (s == step) break;
@@ -142,13 +204,28 @@ void RowEditor::MouseDragged(Point point, uint32_t modifiers) {
 }
 
 void RowEditor::MouseUp(Point, uint32_t) {
-    for (int32_t s : editedSteps)
-        if (parameters[size_t(s)] >= 0) manager->EndParameterEdit(parameters[size_t(s)]);
-    editedSteps.clear();
+    manager->EndGroupEdits();
+    pressStep = lastStep = -1;
 }
 
 StepEditor::StepEditor(Manager* manager, int32_t id_, int32_t first_, int32_t count)
-    : RowEditor(manager, Rows(manager, "Step %d%s", first_, count, id_), true), id(id_), first(first_) {}
+    : RowEditor(manager, Rows(manager, "Step %d%s", first_, count, id_),
+                Named(manager, {"Length Mode", "Start Step", "Length In Steps", "End Step"}, id_), true),
+      id(id_),
+      first(first_) {}
+
+int32_t StepEditor::ShownSteps() const {
+    const int32_t count = int32_t(parameters.size());
+    if (first != 1 || count != BrelCorvaneStepLFO::kNumSteps) return count;
+    for (int32_t row : controlParameters)
+        if (row < 0) return count;
+    // The lane's last step as the module works it out: Start/Length or Start/End, never before the start.
+    auto value = [&](size_t k) { return int32_t(manager->GetParameterValue(controlParameters[k])); };
+    const int32_t start = std::clamp(value(1) - 1, int32_t(0), count - 1);
+    int32_t last = value(0) == 0 ? start + value(2) - 1 : value(3) - 1;
+    last = std::min(std::max(last, start), count - 1);
+    return last + 1;
+}
 
 int32_t StepEditor::CurrentStep() const {
     const auto* status = StepStatus(manager);
@@ -156,7 +233,14 @@ int32_t StepEditor::CurrentStep() const {
 }
 
 DACEditor::DACEditor(Manager* manager, int32_t id_)
-    : RowEditor(manager, Rows(manager, "DAC Bit %d%s", 1, 24, id_), true), id(id_) {}
+    : RowEditor(manager, Rows(manager, "DAC Bit %d%s", 1, 24, id_), Named(manager, {"DAC Bits"}, id_), true),
+      id(id_) {}
+
+int32_t DACEditor::ShownSteps() const {
+    const int32_t count = int32_t(parameters.size());
+    if (controlParameters[0] < 0) return count;
+    return std::clamp(int32_t(manager->GetParameterValue(controlParameters[0])), int32_t(1), count);
+}
 
 RandomRegisterEditor::RandomRegisterEditor(Manager* manager, int32_t id_) : ControlBase(manager), id(id_) {}
 
@@ -172,16 +256,17 @@ void RandomRegisterEditor::Write(int32_t step, int32_t operation) {
 
 void RandomRegisterEditor::MouseDown(Point point, uint32_t modifiers, int32_t) {
     pressStep = StepAt(point);
+    // One short of the pressed cell, so that the drag that follows writes the cell itself.
     lastStep = pressStep - 1;
     MouseDragged(point, modifiers);
 }
 
 void RandomRegisterEditor::MouseDragged(Point point, uint32_t modifiers) {
+    if (pressStep < 0) return;
     const int32_t step = StepAt(point);
     if (step == lastStep) return;
     const int32_t operation = (modifiers & kModShift) ? 2 : (modifiers & kModControl) ? 1 : 3;
-    // Every cell crossed since the last event, in either direction; the press starts one short of its
-    // cell so that the cell itself is written.
+    // Every cell crossed since the last event, in either direction.
     const int32_t direction = step > lastStep ? 1 : -1;
     for (int32_t s = lastStep + direction;; s += direction) {
         Write(s, operation);
@@ -190,8 +275,11 @@ void RandomRegisterEditor::MouseDragged(Point point, uint32_t modifiers) {
     lastStep = step;
 }
 
-void RandomRegisterEditor::MouseUp(Point point, uint32_t) {
-    Write(StepAt(point), 0);
+void RandomRegisterEditor::MouseUp(Point, uint32_t) {
+    if (pressStep < 0) return;
+    // Operation 0 ends the edit on the module's side.
+    Write(lastStep, 0);
+    pressStep = lastStep = -1;
 }
 
 void RandomRegisterEditor::Draw() {

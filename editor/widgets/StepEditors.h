@@ -13,32 +13,59 @@ namespace BR {
 // A row of parameters edited by one gesture, drawn as a stepped outline filled to its baseline.
 class RowEditor : public ControlBase {
 public:
-    RowEditor(Manager* manager, std::vector<int32_t> parameters, bool bipolar);
+    // One cell of the row as an element of its own, so that the manager's hover logic names the step's
+    // parameter in the status line; presses and drags go on to the editor.
+    class RegionReceiver : public UIElement {
+    public:
+        RegionReceiver(Manager* manager, RowEditor* editor, int32_t step);
+        void GetBounds(Box& bounds) override;
+        void MouseDown(Point point, uint32_t modifiers, int32_t clickCount) override;
+        void MouseDragged(Point point, uint32_t modifiers) override;
+        void MouseUp(Point point, uint32_t modifiers) override;
+        void MouseEnter() override;
+        void MouseExit() override;
+        RowEditor* editor;
+        int32_t step;
+    };
+
+    RowEditor(Manager* manager, std::vector<int32_t> parameters, std::vector<int32_t> controlParameters,
+              bool bipolar);
     void Animate() override;
     void Draw() override;
+    // The cell under the point, or null outside the rectangle.
+    UIElement* HitTest(Point point) override;
     void MouseDown(Point point, uint32_t modifiers, int32_t clickCount) override;
     void MouseDragged(Point point, uint32_t modifiers) override;
     void MouseUp(Point point, uint32_t modifiers) override;
 
     // The step under x and the value for y (panel space), both clamped to the row.
     void PointToStep(Point point, int32_t& step, float& value) const;
-    // The step playing now, or -1.
+    // The step playing now (an index into `parameters`), or -1.
     virtual int32_t CurrentStep() const { return -1; }
+    // How many of the row's steps are in use and fill the width, from the control parameters.
+    virtual int32_t ShownSteps() const { return int32_t(parameters.size()); }
 
-    std::vector<int32_t> parameters;
+    std::vector<int32_t> parameters;         // the step rows, one per cell
+    std::vector<int32_t> controlParameters;  // rows that change the layout, watched for redraw
     std::vector<float> shownValues, newValues;
+    std::vector<float> shownControls;
+    std::vector<RegionReceiver*> regions;  // one per step, owned by the manager as elements are
     bool bipolar;
     bool dirty = true;
     Point pressPoint;
     float startValue = 0;
     int32_t pressStep = -1, lastStep = -1, shownStep = -1;
-    std::vector<int32_t> editedSteps;
     float backgroundColour[4] = {0.5f, 0.5f, 0.5f, 1.0f};
     float fillColour[4] = {1.0f, 1.0f, 1.0f, 1.0f};
     float lineColour[4] = {1.0f, 1.0f, 1.0f, 1.0f};
 
+    // Vertex data of the last recomputation, in unit space; for the tests.
+    const std::vector<float>& Outline() const { return outline; }
+    int32_t Recomputations() const { return recomputations; }
+
 protected:
     std::vector<float> outline;
+    int32_t recomputations = 0;
 };
 
 // Steps `first` to `first` + `count` - 1 (counted from 1) of lane `id`: "Step n L" or "Step n R".
@@ -46,20 +73,26 @@ class StepEditor : public RowEditor {
 public:
     StepEditor(Manager* manager, int32_t id, int32_t first = 1, int32_t count = 96);
     int32_t CurrentStep() const override;
+    // The whole row shows steps 1 to the last one the lane plays; a page of the row (a panel may split
+    // the 96 steps in two) keeps its fixed steps, so that each page stays where the panel puts it.
+    int32_t ShownSteps() const override;
     int32_t id;
     int32_t first;
 };
 
-// The 24 bit weights of lane `id`: "DAC Bit n L" or "DAC Bit n R".
+// The 24 bit weights of lane `id`: "DAC Bit n L" or "DAC Bit n R"; the bits in use ("DAC Bits")
+// fill the width.
 class DACEditor : public RowEditor {
 public:
     DACEditor(Manager* manager, int32_t id);
+    int32_t ShownSteps() const override;
     int32_t id;
 };
 
 // One random register of the Step LFO as 48 cells (the module keeps the register itself in
 // BR::RandomRegister), edited through property 64152 with payloads of
-// {registerId, step, operation}: 3 set by a drag, 2 with Shift, 1 with Control, 0 at the release.
+// {registerId, step, operation}: 3 toggle by a drag, 2 set with Shift, 1 clear with Control, 0 at the
+// release.
 class RandomRegisterEditor : public ControlBase {
 public:
     RandomRegisterEditor(Manager* manager, int32_t id);

@@ -55,9 +55,10 @@ const Help kHelp[] = {
      "after S seconds; closing it writes --state-out.\n"},
     {"screenshot",
      "usage: corvane screenshot STEM --out FILE.png [--set \"NAME=VALUE\"]... [--state-in FILE]\n"
-     "                          [--display NAME]\n"
+     "                          [--display NAME] [--seconds S]\n"
      "Draws the module's panel off screen, under an Xvfb of its own unless --display names an X server,\n"
-     "and writes it as a PNG; --set and --state-in set the parameters first.\n"},
+     "and writes it as a PNG; --set and --state-in set the parameters first, and --seconds S renders\n"
+     "S seconds of silent input at 48000 Hz before the picture, so that live displays show that state.\n"},
     {"patch",
      "usage: corvane patch FILE.json [--realtime] [--osc-base-port N] [--plot FILE.png]\n"
      "                               [--plot-size WxH] [--plot-range START:END]\n"

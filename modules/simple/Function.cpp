@@ -25,11 +25,6 @@ BR::PresetDefinition presetTable[] = {{"Defaults", 0, defaultsValues}};
 constexpr BR::ModuleConfig kConfig{2, 2, 0, 0, kOSCPortOffset, 1, presetTable, kNumParameters, parameterTable,
                                    -1};
 
-// log2(u) as ln(u) * 1.442695, and 2^v as exp(v * 0.6931472): the curves' own constants.
-constexpr float kLog2OfE = 1.442695f;
-constexpr float kLnOf2 = 0.6931472f;
-constexpr float kMaxExponent = 115.0f * kLnOf2;  // e^this is 2^115, about 4e34
-
 }  // namespace
 
 BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
@@ -75,17 +70,13 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
             ch.displayInput = s * x[0] + o;
             switch (ch.function) {
                 case kLogarithm:
-                    for (uint32_t i = 0; i < frames; ++i) {
-                        const float u = x[i] * s + o;
-                        y[i] = (u > 1e-10f ? std::log(u) * kLog2OfE + 1.0f : 0.0f) * g + h;
-                    }
+                    for (uint32_t i = 0; i < frames; ++i)
+                        y[i] = LogarithmCurve(x[i] * s + o) * g + h;
                     break;
                 case kExponential: {
                     const float shift = o - 1.0f;
-                    // A large input (another module's pitch in Hz, say) would overflow to infinity: the
-                    // power is held at 2^115, finite at any output scale. Inputs below it are untouched.
                     for (uint32_t i = 0; i < frames; ++i)
-                        y[i] = std::exp(std::min((x[i] * s + shift) * kLnOf2, kMaxExponent)) * g + h;
+                        y[i] = ExponentialCurve(x[i] * s + shift) * g + h;
                     break;
                 }
                 case kAbsolute:

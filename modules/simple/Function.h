@@ -2,6 +2,9 @@
 // between an input scale and offset and an output scale and offset.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
+
 #include "framework/BrelCorvaneBase.h"
 
 namespace BrelCorvaneFunction {
@@ -27,6 +30,37 @@ enum TableIndex : int32_t {
 };
 
 enum Curve : int32_t { kLinear = 0, kLogarithm = 1, kExponential = 2, kAbsolute = 3 };
+
+// log2(u) as ln(u) * 1.442695, and 2^v as exp(v * 0.6931472): the curves' own constants.
+constexpr float kLog2OfE = 1.442695f;
+constexpr float kLnOf2 = 0.6931472f;
+constexpr float kMaxExponent = 115.0f * kLnOf2;  // e^this is 2^115, about 4e34
+
+// The curves of one sample, as the sample loops compute them. `u` is the scaled input; the exponential
+// takes the input already shifted by the offset less one, `shifted` = x * s + (o - 1). A large input
+// (another module's pitch in Hz, say) would overflow the power to infinity: it is held at 2^115,
+// finite at any output scale; inputs below that are untouched.
+inline float LogarithmCurve(float u) {
+    return u > 1e-10f ? std::log(u) * kLog2OfE + 1.0f : 0.0f;
+}
+inline float ExponentialCurve(float shifted) {
+    return std::exp(std::min(shifted * kLnOf2, kMaxExponent));
+}
+
+// One input through a channel's whole curve: input scale `s` and offset `o`, output scale `g` and
+// offset `h`; the same arithmetic as the sample loops, so a display drawn with it shows what plays.
+inline float TransferSample(int32_t function, float x, float s, float o, float g, float h) {
+    switch (function) {
+        case kLogarithm:
+            return LogarithmCurve(x * s + o) * g + h;
+        case kExponential:
+            return ExponentialCurve(x * s + (o - 1.0f)) * g + h;
+        case kAbsolute:
+            return std::fabs(x * s + o) * g + h;
+        default:
+            return x * (g * s) + (g * o + h);
+    }
+}
 
 // The Function's part of the status block, read by the transfer-curve display.
 struct FunctionStatus {

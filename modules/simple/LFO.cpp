@@ -161,7 +161,7 @@ void BrelCorvane::ReadChannelRows(int c) {
     rows.freeRateHz = double(value(kSpeed) * factor);
 
     // Levels, shapes and smoothing.
-    set.pulseWidth = value(kPulseWidth) * 0.01f;
+    set.pulseWidth = PulseWidthFraction(value(kPulseWidth));
     set.sine = value(kSine);
     set.triangle = value(kTriangle);
     set.square = value(kSquare);
@@ -169,7 +169,7 @@ void BrelCorvane::ReadChannelRows(int c) {
     set.random = value(kRandom);
     set.noise = value(kNoise);
     set.offset = value(kOffset);
-    set.asymmetry = value(kAsymmetry) * 0.005f + 0.5f;
+    set.asymmetry = AsymmetryMiddle(value(kAsymmetry));
     set.inputMode = int32_t(value(kInputMode));
     set.resetPhase = rows.phaseFraction;
     set.resetByNote = BlockValue(kResetByNoteL + c) != 0.0f;
@@ -282,10 +282,6 @@ void BrelCorvane::RenderChannel(int c, const float* x, float* y, uint32_t frames
 
 namespace {
 
-struct WaveMix {
-    float sine, triangle, square, saw, random, noise, offset, pulseWidth, asymmetry, hi, lo;
-};
-
 // The per-sample loop, one instance per input mode so that the mode is not tested per sample.
 template <int Mode>
 void RenderWaveLoop(const WaveMix& m, LfoChannelState& run, const float* x, float* y, uint32_t frames,
@@ -296,9 +292,8 @@ void RenderWaveLoop(const WaveMix& m, LfoChannelState& run, const float* x, floa
     float f = float(phase);
     for (uint32_t i = 0; i < frames; ++i) {
         // The warp shapes the wave's phase, not the running phase.
-        const float p = f >= m.asymmetry ? f * m.hi + (1.0f - m.hi) : f * m.lo;
+        const float p = WarpedPhase(m, f);
         const float sine = BR::PolySine(p);
-        const float triangle = std::min(p * 4.0f - 1.0f, 3.0f - p * 4.0f);
         phase += rate;
         const bool wrap = phase - 1.0 >= 0.0;
         // Falls by one cycle; by more only at rates above a cycle a sample, which stay in range so.
@@ -306,10 +301,7 @@ void RenderWaveLoop(const WaveMix& m, LfoChannelState& run, const float* x, floa
         seed = BR::NextRandomState(seed);
         const float noise = BR::RandomStateToFloat(seed);
         if (wrap) held = noise;
-        const float square = p > m.pulseWidth ? -1.0f : 1.0f;
-        const float saw = p * 2.0f - 1.0f;
-        const float w = triangle * m.triangle + sine * m.sine + square * m.square + saw * m.saw +
-                        held * m.random + noise * m.noise;
+        const float w = PeriodicWaves(m, p, sine) + held * m.random + noise * m.noise;
         const float in = x[i];
         if constexpr (Mode == kInputMultiply) {
             y[i] = (w + m.offset) * in;
@@ -329,18 +321,8 @@ void RenderWaveLoop(const WaveMix& m, LfoChannelState& run, const float* x, floa
 
 void BrelCorvane::RenderWave(int c, const float* x, float* y, uint32_t frames, double rate) {
     const LfoChannelSettings& set = settings[c];
-    const float a = set.asymmetry;
-    const WaveMix mix{set.sine,
-                      set.triangle,
-                      set.square,
-                      set.saw,
-                      set.random,
-                      set.noise,
-                      set.offset,
-                      set.pulseWidth,
-                      a,
-                      a >= 1.0f ? 0.0f : 0.5f / (1.0f - a),
-                      a <= 0.0f ? 0.0f : 0.5f / a};
+    const WaveMix mix = MakeWaveMix(set.sine, set.triangle, set.square, set.saw, set.random, set.noise,
+                                    set.offset, set.pulseWidth, set.asymmetry);
     switch (set.inputMode) {
         case kInputMultiply:
             RenderWaveLoop<kInputMultiply>(mix, state[c], x, y, frames, rate);

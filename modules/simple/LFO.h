@@ -2,6 +2,8 @@
 // rate from the tempo, or phase-locked to the host's position; also a clock and run signal source.
 #pragma once
 
+#include <algorithm>
+
 #include "framework/BrelCorvaneBase.h"
 #include "framework/Smoothing.h"
 
@@ -54,6 +56,52 @@ enum SyncMode : int32_t {
 };
 
 enum InputMode : int32_t { kInputAdd = 0, kInputMultiply = 1, kInputCombine = 2 };
+
+// One channel's wave weights as the sample loop uses them; `hi` and `lo` are the two slopes of the
+// asymmetry's warp of the phase.
+struct WaveMix {
+    float sine, triangle, square, saw, random, noise, offset, pulseWidth, asymmetry, hi, lo;
+};
+
+// The mix from weights as set, the pulse width as a fraction and the asymmetry's middle (0 to 1,
+// 0.5 for none).
+inline WaveMix MakeWaveMix(float sine, float triangle, float square, float saw, float random, float noise,
+                           float offset, float pulseWidth, float asymmetry) {
+    const float a = asymmetry;
+    return WaveMix{sine,
+                   triangle,
+                   square,
+                   saw,
+                   random,
+                   noise,
+                   offset,
+                   pulseWidth,
+                   a,
+                   a >= 1.0f ? 0.0f : 0.5f / (1.0f - a),
+                   a <= 0.0f ? 0.0f : 0.5f / a};
+}
+
+// The rows' percentages as the mix takes them.
+inline float PulseWidthFraction(float percent) {
+    return percent * 0.01f;
+}
+inline float AsymmetryMiddle(float percent) {
+    return percent * 0.005f + 0.5f;
+}
+
+// The phase the waves see at running phase `f` (0 to below 1): the asymmetry moves the middle.
+inline float WarpedPhase(const WaveMix& m, float f) {
+    return f >= m.asymmetry ? f * m.hi + (1.0f - m.hi) : f * m.lo;
+}
+
+// The four periodic waves at warped phase `p`, weighted and summed in the sample loop's order (the
+// random and noise terms are added after them).
+inline float PeriodicWaves(const WaveMix& m, float p, float sine) {
+    const float triangle = std::min(p * 4.0f - 1.0f, 3.0f - p * 4.0f);
+    const float square = p > m.pulseWidth ? -1.0f : 1.0f;
+    const float saw = p * 2.0f - 1.0f;
+    return triangle * m.triangle + sine * m.sine + square * m.square + saw * m.saw;
+}
 
 // The LFO's part of the status block, read by the waveform display.
 struct LfoStatus {

@@ -93,8 +93,10 @@ TEST(LuaDisplayConstructors, RectanglesAndColours) {
     EXPECT_FLOAT_EQ(display->backgroundColour[0], 0.1f);
     EXPECT_FLOAT_EQ(display->fillColour[2], 0.5f);
     EXPECT_FLOAT_EQ(display->lineColour[1], 0.5f);
-    // Its rows are those of envelope 1: the five times, five shapes and four levels.
-    ASSERT_EQ(display->watched.size(), 14u);
+    // Its rows are those of envelope 1: the five times, five shapes, four levels and five types.
+    ASSERT_EQ(display->watched.size(), 19u);
+    EXPECT_EQ(display->watched[14], rig.manager.FindParameter("Env 1 Type A1"));
+    EXPECT_EQ(display->watched[18], rig.manager.FindParameter("Env 1 Type R2"));
     EXPECT_EQ(display->watched[0], rig.manager.FindParameter("Env 1 Time A1"));
     EXPECT_EQ(display->watched[9], rig.manager.FindParameter("Env 1 Shape R2"));
     EXPECT_EQ(display->watched[12], rig.manager.FindParameter("Env 1 Sustain"));
@@ -119,33 +121,6 @@ TEST(LuaDisplayConstructors, StepEditorsBindTheirRows) {
     ASSERT_NE(dac, nullptr);
     ASSERT_EQ(dac->parameters.size(), 24u);
     EXPECT_EQ(dac->parameters.back(), rig.manager.FindParameter("DAC Bit 24 L"));
-}
-
-// A drag from step 3 to step 7 in one event paints every step between with the value under the pointer.
-TEST(LuaDisplayConstructors, StepEditorDragFillsCrossedSteps) {
-    LuaPanelRig rig("steplfo");
-    rig.InitOnly();
-    // 8 px per step; bipolar: the middle (y 40) is 0, the top (y 80) is 1.
-    auto* editor = dynamic_cast<StepEditor*>(Last(rig, "stepEditor( 0, 0, 0, 768, 80 )"));
-    ASSERT_NE(editor, nullptr);
-    editor->MouseDown(Point{3 * 8 + 4, 60}, 0, 1);
-    editor->MouseDragged(Point{7 * 8 + 4, 60}, 0);
-    editor->MouseUp(Point{7 * 8 + 4, 60}, 0);
-    for (int step = 0; step < 10; ++step) {
-        const float expected = step >= 3 && step <= 7 ? 0.5f : 0.0f;
-        EXPECT_FLOAT_EQ(rig.manager.GetParameterValue(editor->parameters[size_t(step)]), expected) << step;
-    }
-    // With Control the drag stays on the step it began on.
-    editor->MouseDown(Point{20 * 8 + 4, 20}, kModControl, 1);
-    editor->MouseDragged(Point{25 * 8 + 4, 20}, kModControl);
-    editor->MouseUp(Point{25 * 8 + 4, 20}, kModControl);
-    EXPECT_FLOAT_EQ(rig.manager.GetParameterValue(editor->parameters[20]), -0.5f);
-    EXPECT_FLOAT_EQ(rig.manager.GetParameterValue(editor->parameters[25]), 0.0f);
-    // Past the end the pointer clamps to the last step.
-    editor->MouseDown(Point{94 * 8 + 4, 80}, 0, 1);
-    editor->MouseDragged(Point{2000, 80}, 0);
-    editor->MouseUp(Point{2000, 80}, 0);
-    EXPECT_FLOAT_EQ(rig.manager.GetParameterValue(editor->parameters[95]), 1.0f);
 }
 
 TEST(LuaDisplayConstructors, QuantizerNoteText) {

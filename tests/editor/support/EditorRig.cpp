@@ -1,17 +1,9 @@
-// Xvfb, the test panel, the window rig with XTest input, PNG screenshots and the thread count.
+// The shared display, the test panel, the window rig with XTest input, and the thread count.
 #include "EditorRig.h"
 
-#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 #include <dirent.h>
-#include <fcntl.h>
-#include <png.h>
-#include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -20,61 +12,11 @@
 
 #include "editor/widgets/Label.h"
 
-extern char** environ;
-
 namespace BR::Test {
 
-XvfbServer::XvfbServer(bool withGlx) {
-    // Xvfb picks a free display itself and writes its number to the pipe once it accepts clients, so
-    // test programs running side by side (or another X server on the machine) never share a display.
-    int ready[2];
-    if (pipe(ready) != 0) return;
-    fcntl(ready[0], F_SETFD, FD_CLOEXEC);
-    std::vector<std::string> words = {"Xvfb",      "-displayfd", std::to_string(ready[1]),
-                                      "-screen",   "0",          "1024x768x24",
-                                      "-nolisten", "tcp",        "-noreset"};
-    if (!withGlx) words.insert(words.end(), {"-extension", "GLX"});
-    std::vector<char*> argv;
-    for (std::string& word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t child = -1;
-    if (posix_spawnp(&child, "Xvfb", &actions, nullptr, argv.data(), environ) != 0) child = -1;
-    posix_spawn_file_actions_destroy(&actions);
-    close(ready[1]);
-    std::string number;
-    if (child > 0) {
-        // Up to ten seconds for the server to come up; a loaded machine can be slow to start it.
-        pollfd wait{ready[0], POLLIN, 0};
-        char c = 0;
-        while (poll(&wait, 1, 10000) > 0 && read(ready[0], &c, 1) == 1 && c != '\n')
-            number += c;
-    }
-    close(ready[0]);
-    if (child <= 0) return;
-    if (number.empty()) {
-        kill(child, SIGTERM);
-        int status = 0;
-        waitpid(child, &status, 0);
-        return;
-    }
-    display = ":" + number;
-    pid = child;
-}
-
-XvfbServer::~XvfbServer() {
-    if (pid <= 0) return;
-    kill(pid, SIGTERM);
-    int status = 0;
-    waitpid(pid, &status, 0);
-}
-
 const char* SharedDisplay() {
-    static XvfbServer server;
+    // 1024 by 768: room for drags 200 px beyond a window at (300, 300).
+    static XvfbServer server(true, 1024, 768);
     return server.Running() ? server.Name().c_str() : nullptr;
 }
 
@@ -126,6 +68,11 @@ EditorWindowRig::EditorWindowRig(BrelCorvaneBase& module, int32_t knobParameter,
                                  int32_t dropParameter)
     : manager(std::make_unique<ZPmanager>(&module)) {
     panel = BuildTestPanel(*manager, knobParameter, secondParameter, dropParameter);
+}
+
+EditorWindowRig::EditorWindowRig(BrelCorvaneBase& module, const std::function<void(ZPmanager&)>& build)
+    : manager(std::make_unique<ZPmanager>(&module)) {
+    build(*manager);
 }
 
 EditorWindowRig::~EditorWindowRig() {
@@ -191,56 +138,8 @@ void EditorWindowRig::Type(const std::string& text) {
     }
 }
 
-std::vector<uint8_t> GrabWindow(const char* displayName, unsigned long window, int& width, int& height) {
-    std::vector<uint8_t> rgb;
-    Display* display = XOpenDisplay(displayName);
-    if (!display) return rgb;
-    XWindowAttributes attributes;
-    XGetWindowAttributes(display, Window(window), &attributes);
-    width = attributes.width;
-    height = attributes.height;
-    XImage* image =
-        XGetImage(display, Window(window), 0, 0, unsigned(width), unsigned(height), AllPlanes, ZPixmap);
-    if (image) {
-        rgb.resize(size_t(width) * size_t(height) * 3);
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x) {
-                const unsigned long pixel = XGetPixel(image, x, y);
-                uint8_t* out = &rgb[(size_t(y) * size_t(width) + size_t(x)) * 3];
-                out[0] = uint8_t((pixel >> 16) & 0xFF);
-                out[1] = uint8_t((pixel >> 8) & 0xFF);
-                out[2] = uint8_t(pixel & 0xFF);
-            }
-        XDestroyImage(image);
-    }
-    XCloseDisplay(display);
-    return rgb;
-}
-
 std::vector<uint8_t> EditorWindowRig::Grab(int& width, int& height) {
     return GrabWindow(SharedDisplay(), window.WindowId(), width, height);
-}
-
-bool WritePngRgb(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height) {
-    png_image image;
-    std::memset(&image, 0, sizeof image);
-    image.version = PNG_IMAGE_VERSION;
-    image.width = png_uint_32(width);
-    image.height = png_uint_32(height);
-    image.format = PNG_FORMAT_RGB;
-    return png_image_write_to_file(&image, path.c_str(), 0, rgb.data(), 0, nullptr) != 0;
-}
-
-bool ReadPngRgb(const std::string& path, std::vector<uint8_t>& rgb, int& width, int& height) {
-    png_image image;
-    std::memset(&image, 0, sizeof image);
-    image.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&image, path.c_str())) return false;
-    image.format = PNG_FORMAT_RGB;
-    width = int(image.width);
-    height = int(image.height);
-    rgb.resize(PNG_IMAGE_SIZE(image));
-    return png_image_finish_read(&image, nullptr, rgb.data(), 0, nullptr) != 0;
 }
 
 double DifferentPixelFraction(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b, int tolerance) {

@@ -4,10 +4,12 @@
 
 #include <X11/Xlib.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "editor/PrivateXServer.h"
 #include "editor/X11Window.h"
 #include "editor/ZPmanager.h"
 #include "editor/widgets/ArcKnobRenderer.h"
@@ -19,18 +21,8 @@
 
 namespace BR::Test {
 
-// Starts Xvfb on a display it finds free, with GLX or without it, and stops it at destruction.
-class XvfbServer {
-public:
-    explicit XvfbServer(bool withGlx = true);
-    ~XvfbServer();
-    bool Running() const { return pid > 0; }
-    const std::string& Name() const { return display; }
-
-private:
-    std::string display;
-    int pid = -1;
-};
+// Xvfb on a display it finds free, with GLX or without it (the editor library's own starter).
+using XvfbServer = PrivateXServer;
 
 // The process's shared server, started at first use.
 const char* SharedDisplay();
@@ -57,6 +49,8 @@ class EditorWindowRig {
 public:
     EditorWindowRig(BrelCorvaneBase& module, int32_t knobParameter, int32_t secondParameter,
                     int32_t dropParameter);
+    // Around a panel that `build` makes in the manager (a module's script, say).
+    EditorWindowRig(BrelCorvaneBase& module, const std::function<void(ZPmanager&)>& build);
     ~EditorWindowRig();
     bool Open();
     // Runs the window thread's event loop for `milliseconds`.
@@ -83,11 +77,17 @@ public:
 };
 
 // RGB rows of a window, top row first, through a connection of its own to `display`.
-std::vector<uint8_t> GrabWindow(const char* display, unsigned long window, int& width, int& height);
+inline std::vector<uint8_t> GrabWindow(const char* display, unsigned long window, int& width, int& height) {
+    return GrabWindowRgb(display, window, width, height);
+}
 
 // Writes and reads RGB images as PNG.
-bool WritePngRgb(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height);
-bool ReadPngRgb(const std::string& path, std::vector<uint8_t>& rgb, int& width, int& height);
+inline bool WritePngRgb(const std::string& path, const std::vector<uint8_t>& rgb, int width, int height) {
+    return WritePng(path, rgb, width, height);
+}
+inline bool ReadPngRgb(const std::string& path, std::vector<uint8_t>& rgb, int& width, int& height) {
+    return ReadPng(path, rgb, width, height);
+}
 // Pixels whose channels differ by more than `tolerance`, as a fraction of all.
 double DifferentPixelFraction(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b, int tolerance);
 
