@@ -44,6 +44,24 @@ void BM_StepLFOFree(benchmark::State& state) {
     Render(state, rig, block);
 }
 
+// The same free lanes without the signal inputs their rows read by default ("Signal Input" 1 and 2,
+// added to the steps): the job BM_PlainLoop does, which reads no input.
+void BM_StepLFOFreeNoInput(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    BR::Bench::ModuleRig rig("steplfo", block);
+    Steps(*rig.driver);
+    for (const char* lane : {"L", "R"}) {
+        const std::string s = lane;
+        rig.driver->SetParameterByName("Sync " + s, 0.0f);
+        rig.driver->SetParameterByName("Speed " + s, 20.0f);
+        rig.driver->SetParameterByName("Speed Multiplier " + s, 2.0f);
+        rig.driver->SetParameterByName("Interpolation " + s, 1.0f);
+        rig.driver->SetParameterByName("Signal Input " + s, 0.0f);
+    }
+    rig.driver->SetParameterByName("Random Enable L", 1.0f);
+    Render(state, rig, block);
+}
+
 void BM_StepLFOTransportSwing(benchmark::State& state) {
     const uint32_t block = uint32_t(state.range(0));
     BR::Bench::ModuleRig rig("steplfo", block);
@@ -173,6 +191,7 @@ void BM_PlainSwingLoop(benchmark::State& state) {
 }
 
 BENCHMARK(BM_StepLFOFree)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_StepLFOFreeNoInput)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_StepLFOTransportSwing)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_StepLFOTriggerInputs)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_PlainLoop)->Arg(32)->Arg(256)->Arg(1024);
@@ -185,6 +204,9 @@ int main(int argc, char** argv) {
                                     {{"BM_StepLFOFree/32", "BM_PlainLoop/32"},
                                      {"BM_StepLFOFree/256", "BM_PlainLoop/256"},
                                      {"BM_StepLFOFree/1024", "BM_PlainLoop/1024"},
+                                     {"BM_StepLFOFreeNoInput/32", "BM_PlainLoop/32"},
+                                     {"BM_StepLFOFreeNoInput/256", "BM_PlainLoop/256"},
+                                     {"BM_StepLFOFreeNoInput/1024", "BM_PlainLoop/1024"},
                                      {"BM_StepLFOTransportSwing/32", "BM_PlainSwingLoop/32"},
                                      {"BM_StepLFOTransportSwing/256", "BM_PlainSwingLoop/256"},
                                      {"BM_StepLFOTransportSwing/1024", "BM_PlainSwingLoop/1024"},

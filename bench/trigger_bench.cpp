@@ -2,6 +2,7 @@
 // from a sine input, against the envelope alone and a plain envelope doing the same notes and segments.
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "BenchSupport.h"
 #include "modules/sequencing/Envelope.h"
@@ -76,6 +77,39 @@ void BM_EnvelopeAlone(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
     SetRate(state, block);
+}
+
+// What the segment cache costs where nothing repeats: the peer benchmark's envelope (A 10 ms to 1, D
+// 50 ms to 0.5, R 100 ms, exponential) at a 10 Hz gate, with a velocity that changes at every note,
+// so that every segment starts from a new level; rendered with a cache (range 1, every segment a
+// miss that fills an entry) and without (range 0). Blocks of 64.
+void BM_EnvelopeNewLevels(benchmark::State& state) {
+    const bool cached = state.range(0) != 0;
+    BR::EnvParameters p;
+    p.time[BR::kSegA1] = 0.01f;
+    p.levelA1 = 1.0f;
+    p.time[BR::kSegA2] = 0.05f;
+    p.levelA2 = 0.5f;
+    p.time[BR::kSegA3] = 0.0f;
+    p.time[BR::kSegR1] = 0.1f;
+    p.velocityDepth = 1.0f;
+    BR::Envelope env;
+    auto cache = std::make_unique<BR::EnvSegmentCache>();
+    std::vector<float> out(64);
+    uint32_t frame = 0, note = 0;
+    for (auto _ : state) {
+        if (frame % 4800 == 0) {
+            BR::envNoteOn(env, 0.5f + 0.001f * float(note++ % 500), p, 48000.0f);
+        } else if (frame % 4800 == 2400) {
+            BR::envNoteOff(env, p, 48000.0f);
+        }
+        BR::renderEnvelope(env, out.data(), 64, cached ? cache.get() : nullptr);
+        frame += 64;
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    if (cached && cache->copied != 0) state.SkipWithError("a segment repeated");
+    SetRate(state, 64);
 }
 
 // The plain twin of BM_TriggerEnvelope: the same envelope (exponential A1, parabolic A2, exponential
@@ -220,6 +254,7 @@ BENCHMARK(BM_TriggerEnvelope)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_TriggerCVGate)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_EnvelopeAlone)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_PlainLoop)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_EnvelopeNewLevels)->Arg(0)->Arg(1);
 
 }  // namespace
 
@@ -322,5 +357,6 @@ int main(int argc, char** argv) {
                                      {"BM_TriggerCVGate/256", "BM_PlainCVGate/256"},
                                      {"BM_TriggerCVGate/1024", "BM_PlainCVGate/1024"},
                                      {"BM_EnvelopeAlone/256", "BM_PlainLoop/256"},
-                                     {"BM_EnvelopeAlone/1024", "BM_PlainLoop/1024"}});
+                                     {"BM_EnvelopeAlone/1024", "BM_PlainLoop/1024"},
+                                     {"BM_EnvelopeNewLevels/1", "BM_EnvelopeNewLevels/0"}});
 }

@@ -6,10 +6,26 @@
 #include "BrelCorvaneBase.h"
 #include "ModuleServices.h"
 
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#endif
+
 namespace BR {
 
 void ResetFieldData(RenderRecord& record, BrelCorvaneBase** instanceSlot) {
+#if defined(__SSE2__) || defined(_M_X64)
+    // Sixteen bytes a store, unrolled: the compiler turns a memset of this fixed size, or a loop it
+    // recognises as one, into `rep stos`, whose start-up costs more than all these stores, at every
+    // host block.
+    static_assert(sizeof record % 16 == 0);
+    unsigned char* bytes = reinterpret_cast<unsigned char*>(&record);
+    const __m128i zero = _mm_setzero_si128();
+#pragma GCC unroll 16
+    for (size_t k = 0; k < sizeof record; k += 16)
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + k), zero);
+#else
     std::memset(&record, 0, sizeof record);
+#endif
     record.privateData = instanceSlot;
 }
 

@@ -12,6 +12,8 @@ packages=(
     lv2file ardour lv2-examples mda-lv2
     xdotool imagemagick x11-utils
     liblilv-dev blop-lv2
+    # The UI cycle host: lilv + suil embedding the editor in a GTK 3 window as jalv.gtk3 does.
+    libsuil-dev libgtk-3-dev
     libcairo2-dev
 )
 

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "framework/SampleKernels.h"
+
 namespace BR {
 
 struct GateThresholds {
@@ -22,17 +24,8 @@ struct GateThresholds {
 // Index of the first sample in [from, count) at which a gate in state `open` changes state, or `count`.
 inline uint32_t FindGateChange(const float* x, uint32_t from, uint32_t count, bool open,
                                GateThresholds thresholds) {
-    uint32_t i = from;
-    if (open) {
-        const float fall = thresholds.fallBelow;
-        while (i < count && x[i] >= fall)
-            ++i;
-    } else {
-        const float rise = thresholds.riseAbove;
-        while (i < count && !(x[i] > rise))
-            ++i;
-    }
-    return i;
+    return open ? FirstNotAtOrAbove(x, from, count, thresholds.fallBelow)
+                : FirstAbove(x, from, count, thresholds.riseAbove);
 }
 
 // Follows the gate through [from, count) up to its next rising edge and returns that sample's index,

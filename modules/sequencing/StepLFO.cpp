@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace BrelCorvaneStepLFO {
 
@@ -207,6 +208,7 @@ void BrelCorvane::ReadLaneRows(int lane) {
     double r = row(kSpeed) * kSpeedFactors[std::clamp(int32_t(row(kSpeedMultiplier)), 0, 3)];
     if (stepMode) r /= c.stepCount;
     rows.freeRate = r;
+    rows.perSampleRate = std::numeric_limits<float>::quiet_NaN();
     // q: the cycle in quarter notes, with 2^x as exp(x * ln 2) in single precision.
     float q = std::exp(-float(int32_t(row(kBeatDivisor))) * 0.6931472f) * 4.0f * row(kBeats);
     if (row(kTriplet) != 0.0f) q = q * 2.0f / 3.0f;
@@ -247,7 +249,7 @@ void BrelCorvane::ReadLaneRows(int lane) {
 double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double position, double previousRate) {
     LaneSettings& c = settings[lane];
     LaneState& st = lanes[lane];
-    const LaneRows& rows = laneRows[lane];
+    LaneRows& rows = laneRows[lane];
 
     const double swingBeat = rows.swingBeat;
     const float swing = rows.swing;
@@ -290,7 +292,17 @@ double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double positi
             break;
         }
     }
-    c.rate = r / sampleRate;
+    if (c.syncMode == kFree || c.syncMode == kTrigFree) {
+        // A free lane's rate follows its rows and the sample rate alone: the division runs again only
+        // after one of them moved, and gives the same quotient.
+        if (!(rows.perSampleRate == sampleRate)) {
+            rows.freeRatePerSample = r / sampleRate;
+            rows.perSampleRate = sampleRate;
+        }
+        c.rate = rows.freeRatePerSample;
+    } else {
+        c.rate = r / sampleRate;
+    }
     if (c.syncMode != kTrigFree && c.syncMode != kTrigTempo) st.increment = c.rate;
     c.offset = rows.offset;
     c.multiplier = rows.multiplier;

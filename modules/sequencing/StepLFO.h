@@ -2,6 +2,8 @@
 // tempo, locked to the transport, in quadrature or stepped by triggers, with a random register each.
 #pragma once
 
+#include <limits>
+
 #include "framework/BrelCorvaneBase.h"
 #include "framework/Smoothing.h"
 #include "modules/sequencing/RandomRegister.h"
@@ -104,7 +106,10 @@ struct LaneSettings {
 struct LaneRows {
     double swingBeat = 0.5;  // quarter notes
     float swing = 50.0f;
-    double freeRate = 0.0;       // cycles per second in the free modes
+    double freeRate = 0.0;  // cycles per second in the free modes
+    // freeRate / sample rate, and the rate it was divided by (not a number: not since the rows were read).
+    double freeRatePerSample = 0.0;
+    float perSampleRate = std::numeric_limits<float>::quiet_NaN();
     float cycleQuarters = 0.0f;  // the cycle in quarter notes in the tempo modes
     float offset = 0.0f, multiplier = 1.0f;
 };

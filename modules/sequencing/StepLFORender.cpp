@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "StepLFO.h"
+#include "framework/SampleKernels.h"
 #include "modules/sequencing/EdgeScan.h"
 
 namespace BrelCorvaneStepLFO {
@@ -142,9 +143,31 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
     }
 
     // Each line's next rising edge; the earliest acts first, on all lines that rise on that sample.
+    // Lines that read the same input in the same gate state from the same sample (a trigger and a
+    // reset, or both lanes, on one input) find the same edge: it is scanned for once.
     uint32_t next[4];
-    for (int l = 0; l < 4; ++l)
-        next[l] = line[l] ? BR::NextRisingEdge(line[l], 0, frames, inputGate[l], kInputThresholds) : frames;
+    const auto scan = [&](const bool* which, uint32_t from) {
+        bool before[4] = {};
+        for (int l = 0; l < 4; ++l) {
+            if (!which[l]) continue;
+            before[l] = inputGate[l];
+            int same = -1;
+            for (int m = 0; m < l && same < 0; ++m)
+                if (which[m] && line[m] == line[l] && before[m] == inputGate[l]) same = m;
+            if (same >= 0) {
+                next[l] = next[same];
+                inputGate[l] = inputGate[same];
+            } else {
+                next[l] = BR::NextRisingEdge(line[l], from, frames, inputGate[l], kInputThresholds);
+            }
+        }
+    };
+    bool connected[4];
+    for (int l = 0; l < 4; ++l) {
+        connected[l] = line[l] != nullptr;
+        next[l] = frames;
+    }
+    scan(connected, 0);
     uint32_t rendered = 0;
     for (;;) {
         const uint32_t edge = *std::min_element(next, next + 4);
@@ -158,9 +181,7 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
         for (int lane = 0; lane < kNumLanes; ++lane)
             RenderLane(lane, inputs, outputs, rendered, edge + 1 - rendered);
         rendered = edge + 1;
-        for (int l = 0; l < 4; ++l)
-            if (fired[l])
-                next[l] = BR::NextRisingEdge(line[l], edge + 1, frames, inputGate[l], kInputThresholds);
+        scan(fired, edge + 1);
     }
     if (rendered < frames)
         for (int lane = 0; lane < kNumLanes; ++lane)
@@ -293,7 +314,7 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
                 for (uint32_t j = i + 1; j < frames; ++j)
                     out[j] = v * stepGain + x[j] * inputGain + v * x[j] * productGain;
             } else {
-                std::fill(out + i + 1, out + frames, out[i]);
+                BR::FillSamples(out + i + 1, frames - i - 1, out[i]);
             }
             break;
         }

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "framework/SampleKernels.h"
+
 namespace BrelCorvaneTrigger {
 
 namespace {
@@ -59,7 +61,7 @@ constexpr int32_t kControllerAllNotesOff = 123;
 
 }  // namespace
 
-BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
+BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig), segmentCache(std::make_unique<BR::EnvSegmentCache>()) {
     BrelCorvane::InitModule();
 }
 
@@ -208,32 +210,30 @@ void BrelCorvane::ScanCV(const float* in, float* out, uint32_t frames) {
 
 void BrelCorvane::RenderTrigger(float* out, uint32_t frames) {
     if (overrideActive) {
-        std::fill(out, out + frames, overrideValue);
+        BR::FillSamples(out, frames, overrideValue);
         return;
     }
     switch (outputMode) {
         case kModeGate:
-            std::fill(out, out + frames, gateOpen ? maxVoltage : minVoltage);
+            BR::FillSamples(out, frames, gateOpen ? maxVoltage : minVoltage);
             break;
         case kModeTrigger: {
             const uint32_t high = std::min(frames, triggerSamplesLeft);
-            std::fill(out, out + high, maxVoltage);
-            std::fill(out + high, out + frames, minVoltage);
+            BR::FillSamples(out, high, maxVoltage);
+            BR::FillSamples(out + high, frames - high, minVoltage);
             triggerSamplesLeft -= high;
             break;
         }
         case kModeEnvelope: {
-            BR::renderEnvelope(envelope, out, frames);
-            const float span = maxVoltage - minVoltage, base = minVoltage;
-            for (uint32_t i = 0; i < frames; ++i)
-                out[i] = out[i] * span + base;
+            BR::renderEnvelope(envelope, out, frames, segmentCache.get());
+            BR::ScaleOffsetSamples(out, frames, maxVoltage - minVoltage, minVoltage);
             break;
         }
         case kModeVelocity:
-            std::fill(out, out + frames, (maxVoltage - minVoltage) * velocity + minVoltage);
+            BR::FillSamples(out, frames, (maxVoltage - minVoltage) * velocity + minVoltage);
             break;
         default:
-            std::fill(out, out + frames, minVoltage);
+            BR::FillSamples(out, frames, minVoltage);
             break;
     }
 }

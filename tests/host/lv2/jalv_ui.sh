@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
 # The bundle's editor in jalv's GTK front end under Xvfb, on JACK's dummy backend: suil embeds the X11
 # UI in jalv's window, the panel is drawn (a screenshot of jalv's window shows it), and a knob turned
-# by synthetic input (xdotool) changes the plug-in's control port as jalv applies it: the DC output
-# that follows the port moves from 0 to 0.5. Then jalv closes its window, and nothing is left running.
+# by synthetic input (xdotool) changes the plug-in's control port as jalv reports it: jalv's own saved
+# state ("Save", Control+S: jalv's record of every control port, the values it hands the plug-in) holds
+# 0.5 for the knob's port and 0 for its neighbour, and the DC output that follows the port moves from 0
+# to 0.5. (jalv prints no input control port: its --print-controls prints output ports only, and
+# jalv.gtk3 reads no commands.) Then jalv closes its window, and nothing is left running.
 # CORVANE_XVFB_DISPLAY=N uses display :N instead of a free one; CORVANE_UPDATE_SCREENSHOTS=1 writes the
 # picture to docs/editor/jalv-gtk3-dc.png.
 source "$(dirname "$0")/common.sh"
@@ -22,7 +25,9 @@ export DISPLAY=":$(head -1 "$WORK/display")"
 xdpyinfo > /dev/null 2>&1 || fail "Xvfb did not start"
 background jackd --no-realtime -n "$JACK_DEFAULT_SERVER" -d dummy -r 48000 -p 256 > "$WORK/jackd.log" 2>&1
 jack_wait -w -t 10 > /dev/null 2>&1 || fail "jackd did not start"
-background jalv.gtk3 --jack-name dcui -x urn:brelmont:corvane:dc > "$WORK/jalv.log" 2>&1
+# A home of its own: the file dialog of "Save" keeps its recent files there.
+mkdir -p "$WORK/home"
+background env HOME="$WORK/home" jalv.gtk3 --jack-name dcui -x urn:brelmont:corvane:dc > "$WORK/jalv.log" 2>&1
 JALV=${BACKGROUND[-1]}
 
 # The editor's window is the child of 510 by 220 named after the module; jalv's own window holds it.
@@ -73,6 +78,36 @@ sleep 1
 "$TOOL" capture --name capture_after --out "$WORK/after.wav" --frames 4800 dcui:out_1 > /dev/null || fail "capture"
 "$TOOL" expect-constant "$WORK/after.wav" 1 0.5 || fail "the knob's port write did not reach the plug-in"
 echo "DC output after the drag: 0.5"
+
+step "jalv reports the control port: its saved state holds what the knob wrote"
+xdotool windowfocus "$TOP"
+sleep 0.3
+xdotool key ctrl+s
+SAVE=
+for _ in $(seq 50); do
+    SAVE=$(xdotool search --name '^Save State$' 2> /dev/null | head -1 || true)
+    [ -n "$SAVE" ] && break
+    sleep 0.1
+done
+[ -n "$SAVE" ] || { cat "$WORK/jalv.log" >&2; fail "jalv's \"Save State\" dialog did not open on Control+S"; }
+sleep 0.5
+xdotool windowfocus "$SAVE"
+sleep 0.3
+xdotool type --delay 20 "$WORK/saved"
+sleep 0.3
+xdotool key Return
+for _ in $(seq 100); do [ -s "$WORK/saved/state.ttl" ] && break; sleep 0.1; done
+[ -s "$WORK/saved/state.ttl" ] || fail "jalv wrote no state to $WORK/saved"
+port_value() { awk -v s="lv2:symbol \"$1\"" 'index($0, s) { getline; print $2; exit }' "$WORK/saved/state.ttl"; }
+left=$(port_value output_positive_l)
+right=$(port_value output_positive_r)
+awk -v v="$left" 'BEGIN { exit !(v != "" && v + 0 == 0.5) }' ||
+    fail "jalv reports output_positive_l = '$left', not 0.5"
+awk -v v="$right" 'BEGIN { exit !(v != "" && v + 0 == 0) }' ||
+    fail "jalv reports output_positive_r = '$right', not 0"
+echo "jalv's saved state: output_positive_l = $left, output_positive_r = $right"
+# The dialog overlaps jalv's window until it is gone (there is no window manager).
+for _ in $(seq 50); do xdotool search --name '^Save State$' > /dev/null 2>&1 || break; sleep 0.1; done
 import -window "$TOP" "$WORK/jalv.png"
 if [ -n "${CORVANE_UPDATE_SCREENSHOTS:-}" ]; then cp "$WORK/jalv.png" "$ROOT/docs/editor/jalv-gtk3-dc.png"; fi
 

@@ -34,8 +34,16 @@ TEST(CVToOSCRealtime, RenderAllocatesNothing) {
             const int32_t w = rig.Sender().WriteIndex();
             rig.driver->Process(inputs, outputs, block, nullptr, 0);
             posted += (rig.Sender().WriteIndex() - w + 64) % 64;
-            // Paced like a host, so that the thread keeps the ring from filling.
-            if (b % 8 == 7) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            // Paced like a host whose period leaves the sender thread time to run: on a loaded
+            // machine a fixed pause is not enough, so wait while the ring is more than half full.
+            // An overflow then means the sender lost entries, not that the test outran it.
+            auto held = [&] {
+                return (rig.Sender().WriteIndex() - rig.Sender().ReadIndex() - 1 +
+                        2 * BR::OSCSender::kEntries) %
+                       BR::OSCSender::kEntries;
+            };
+            for (int wait = 0; held() > BR::OSCSender::kEntries / 2 && wait < 2000; ++wait)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         EXPECT_EQ(scope.Count(), 0u);
     }
