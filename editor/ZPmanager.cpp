@@ -36,6 +36,10 @@ void ZPmanager::InitRendering() {
     shaderTexUniform = glGetUniformLocation(shaderProgram, "tex");
 }
 
+ZPmanager::~ZPmanager() {
+    DestroyRenderTask();
+}
+
 void ZPmanager::ZPRenderingShutdowner::operator()() {
     if (!owner->shaderProgram) return;
     glDetachShader(owner->shaderProgram, owner->shaderVertex);

@@ -16,6 +16,9 @@ public:
     };
 
     explicit ZPmanager(BrelCorvaneBase* module) : Manager(module) {}
+    // Stops the render thread while this part still stands: its frames call this class's overrides,
+    // and its teardown releases the shaders through the shutdowner that points here.
+    ~ZPmanager() override;
     void InitRendering() override;
     RenderingShutdowner* CreateRenderingShutdowner() override { return new ZPRenderingShutdowner(this); }
     void PresentPanelTexture() override;

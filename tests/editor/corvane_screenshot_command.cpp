@@ -8,6 +8,7 @@
 #include "editor/LuaGui.h"
 #include "framework/ModuleCatalogue.h"
 #include "modules/ModuleFactory.h"
+#include "support/ChildProcess.h"
 #include "support/EditorRig.h"
 #include "tests/support/RunCommand.h"
 
@@ -19,15 +20,6 @@ std::string DocsPicture(const std::string& stem) {
     return std::string(source ? source : CORVANE_SOURCE_TREE) + "/docs/panels/" + stem + ".png";
 }
 
-// The GL driver of a child under the sanitizers is unloaded before its leak check, which cannot then tell
-// the driver's caches from leaks; the test program itself checks the editor with the driver kept.
-struct ChildWithoutLeakCheck {
-    ChildWithoutLeakCheck() : saved(std::getenv("ASAN_OPTIONS") ? std::getenv("ASAN_OPTIONS") : "") {
-        setenv("ASAN_OPTIONS", (saved + ":detect_leaks=0").c_str(), 1);
-    }
-    ~ChildWithoutLeakCheck() { setenv("ASAN_OPTIONS", saved.c_str(), 1); }
-    std::string saved;
-};
 }  // namespace
 
 TEST(CorvaneScreenshotCommand, PrivateServerPictureMatchesDocs) {

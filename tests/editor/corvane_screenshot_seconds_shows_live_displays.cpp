@@ -3,12 +3,14 @@
 // cycle than at the start. A time outside 0 to 600 seconds is refused with a message.
 #include <gtest/gtest.h>
 
+#include "support/ChildProcess.h"
 #include "support/EditorRig.h"
 #include "tests/support/RunCommand.h"
 
 namespace BR::Test {
 
 TEST(CorvaneScreenshotSeconds, LiveMarkerMovesWithTheRenderedTime) {
+    ChildWithoutLeakCheck child;
     const std::string folder = MakeTempFolder();
     ASSERT_NE(SharedDisplay(), nullptr);
     const std::string common = "screenshot lfo --display " + std::string(SharedDisplay()) +
@@ -32,6 +34,7 @@ TEST(CorvaneScreenshotSeconds, LiveMarkerMovesWithTheRenderedTime) {
 }
 
 TEST(CorvaneScreenshotSeconds, OutOfRangeIsRefused) {
+    ChildWithoutLeakCheck child;
     for (const char* seconds : {"-1", "601", "soon"}) {
         const CommandResult result =
             RunCorvane(std::string("screenshot lfo --out x.png --seconds ") + seconds);
