@@ -4,6 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,6 +31,24 @@ inline void CountFrames(benchmark::State& state, int64_t framesPerIteration) {
     state.counters["ns_per_frame"] =
         benchmark::Counter(double(state.iterations()) * double(framesPerIteration),
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// The two inputs most benchmarks feed: sines of 0.05 and 0.03 radians a sample, scaled by `gain`.
+inline void FillTestSignals(std::vector<float>& left, std::vector<float>& right, double gain = 1.0) {
+    for (size_t i = 0; i < left.size(); ++i)
+        left[i] = float(gain * std::sin(double(i) * 0.05));
+    for (size_t i = 0; i < right.size(); ++i)
+        right[i] = float(gain * std::cos(double(i) * 0.03));
+}
+
+// The timed loop of a module benchmark: one block of the rig per iteration, its output kept alive.
+inline void RenderBlocks(benchmark::State& state, ModuleRig& rig) {
+    for (auto _ : state) {
+        rig.Render();
+        benchmark::DoNotOptimize(rig.out[0].data());
+        benchmark::ClobberMemory();
+    }
+    CountFrames(state, rig.blockSize);
 }
 
 // Runs the registered benchmarks, then prints "ratio NAME / BASELINE" for each pair registered. The

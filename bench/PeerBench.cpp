@@ -2,6 +2,7 @@
 // with the same activity (a gate toggling at the same rate, comparable control values, the same block
 // sizes), and prints the time per frame of each and the ratios measured in this one run.
 // Usage: peer_bench [--seconds S] [--repeats N] [--only TEXT]  (--only: plug-ins whose label holds TEXT)
+//        peer_bench --outputs 1  (prints every plug-in's output over one gate period instead of timing)
 #include <lilv/lilv.h>
 #include <lv2/atom/atom.h>
 #include <lv2/buf-size/buf-size.h>
@@ -180,11 +181,13 @@ private:
 
 std::vector<Setup> Pairs() {
     std::vector<Setup> setups;
-    // Envelopes: attack 10 ms to 1, decay 50 ms to a sustain of 0.5, release 100 ms, on the gate.
+    // Envelopes: attack 10 ms to 1, decay 50 ms to a sustain of 0.5, release 100 ms, on the gate. The
+    // blop envelope starts its attack only at a rising edge of its trigger input while its gate is
+    // high (with a silent trigger it never leaves 0): both read the gate.
     setups.push_back({"blop adsr_gt",
                       "http://drobilla.net/plugins/blop/adsr_gt",
                       {{"attack", 0.01f}, {"decay", 0.05f}, {"sustain", 0.5f}, {"release", 0.1f}},
-                      {"gate"},
+                      {"gate", "trigger"},
                       {}});
     setups.push_back({"Corvane Trigger (CV gate, envelope)",
                       "urn:brelmont:corvane:trigger",
@@ -203,12 +206,19 @@ std::vector<Setup> Pairs() {
                       {"in_1"},
                       {},
                       0});
-    // The same with parabolic segments, the envelope's other curve type.
+    // The same with parabolic segments, the envelope's other curve type, at the default shape 0.5.
     Setup parabolic = setups.back();
     parabolic.label = "Corvane Trigger (parabolic segments)";
     for (const char* segment : {"a1", "a2", "a3", "r1", "r2"})
         parabolic.controls[std::string("env_1_type_") + segment] = 0.0f;
     setups.push_back(parabolic);
+    // Parabolic segments of shape 1 are straight lines, the segments the blop envelope draws: the
+    // like-for-like pair.
+    Setup straight = parabolic;
+    straight.label = "Corvane Trigger (straight segments)";
+    for (const char* segment : {"a1", "a2", "a3", "r1", "r2"})
+        straight.controls[std::string("env_1_shape_") + segment] = 1.0f;
+    setups.push_back(straight);
     // Oscillators: a 5 Hz triangle (Corvane's LFO renders both of its channels).
     setups.push_back({"blop triangle",
                       "http://drobilla.net/plugins/blop/triangle",
@@ -296,7 +306,9 @@ int main(int argc, char** argv) {
     double seconds = 1.0;
     int repeats = 9;
     std::string only;
+    bool showOutputs = false;
     for (int i = 1; i + 1 < argc; i += 2) {
+        if (std::strcmp(argv[i], "--outputs") == 0) showOutputs = std::atoi(argv[i + 1]) != 0;
         if (std::strcmp(argv[i], "--seconds") == 0) seconds = std::atof(argv[i + 1]);
         if (std::strcmp(argv[i], "--repeats") == 0) repeats = std::atoi(argv[i + 1]);
         if (std::strcmp(argv[i], "--only") == 0) only = argv[i + 1];
@@ -343,6 +355,31 @@ int main(int argc, char** argv) {
                          setup.uri.c_str());
             return 1;
         }
+    }
+
+    if (showOutputs) {
+        // Every plug-in's first output at each millisecond over one period of the gate, after two
+        // periods in which they settle: shows that each does its job under this activity, and which of
+        // the Trigger's segment shapes does what the blop envelope does.
+        for (auto& runner : runners)
+            runner->Render(2 * kGatePeriod, 48);
+        std::printf("%4s", "ms");
+        for (size_t k = 0; k < setups.size(); ++k)
+            std::printf(" %9zu", k + 1);
+        std::printf("\n");
+        for (uint32_t ms = 0; ms < kGatePeriod / 48; ++ms) {
+            std::printf("%4u", ms);
+            for (auto& runner : runners) {
+                runner->Render(48, 48);
+                std::printf(" %9.5f", double(runner->LastOutput()));
+            }
+            std::printf("\n");
+        }
+        for (size_t k = 0; k < setups.size(); ++k)
+            std::printf("%zu: %s\n", k + 1, setups[k].label.c_str());
+        runners.clear();
+        lilv_world_free(world);
+        return 0;
     }
 
     std::printf(

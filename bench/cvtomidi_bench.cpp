@@ -12,25 +12,14 @@ void BM_CVToMIDIRender(benchmark::State& state) {
     BR::Bench::ModuleRig rig("cvtomidi", kBlock);
     for (const char* name : {"Enable Note L", "Enable CC L", "Enable CC R"})
         rig.driver->SetParameterByName(name, 1.0f);
-    for (uint32_t i = 0; i < kBlock; ++i) {
-        rig.in[0][i] = float(std::sin(double(i) * 0.05));
-        rig.in[1][i] = float(std::cos(double(i) * 0.03));
-    }
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::FillTestSignals(rig.in[0], rig.in[1]);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 void BM_PlainLoop(benchmark::State& state) {
     std::vector<float> in[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
     std::vector<float> out[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
-    for (uint32_t i = 0; i < kBlock; ++i) {
-        in[0][i] = float(std::sin(double(i) * 0.05));
-        in[1][i] = float(std::cos(double(i) * 0.03));
-    }
+    BR::Bench::FillTestSignals(in[0], in[1]);
     int32_t last[2] = {255, 255}, changes = 0;
     for (auto _ : state) {
         for (int c = 0; c < 2; ++c) {

@@ -10,10 +10,7 @@ namespace {
 constexpr uint32_t kBlock = 256;
 
 void Fill(std::vector<float>* in) {
-    for (uint32_t i = 0; i < kBlock; ++i) {
-        in[0][i] = 0.004f * float(std::sin(double(i) * 0.05));
-        in[1][i] = 0.004f * float(std::cos(double(i) * 0.03));
-    }
+    BR::Bench::FillTestSignals(in[0], in[1], 0.004);
 }
 
 void BM_CVToOSCRender(benchmark::State& state) {
@@ -23,12 +20,7 @@ void BM_CVToOSCRender(benchmark::State& state) {
     for (const char* name : {"Threshold L", "Threshold R"})
         rig.driver->SetParameterByName(name, 0.5f);  // 0.005 of full scale: the signal stays inside
     Fill(rig.in.data());
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 void BM_PlainLoop(benchmark::State& state) {

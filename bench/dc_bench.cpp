@@ -9,12 +9,7 @@ void BM_DCRender(benchmark::State& state) {
     rig.driver->SetParameterByName("Output Positive L", 0.5f);
     rig.driver->SetParameterByName("Input Multiply L", 0.5f);
     rig.driver->SetParameterByName("Input Add R", 0.25f);
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, block);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 // The same per-sample arithmetic and smoothing-off tail on two channels, with no framework around it.

@@ -14,12 +14,7 @@ void BM_FunctionRender(benchmark::State& state) {
     rig.driver->SetParameterByName("Input Offset L", 0.6f);
     rig.driver->SetParameterByName("Enable R", 1.0f);
     rig.driver->SetParameterByName("Function R", 2.0f);
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, block);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 // The logarithm and the exponential over the same input, with no framework around them.

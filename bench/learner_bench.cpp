@@ -14,25 +14,14 @@ constexpr uint32_t kBlock = 256;
 
 void BM_LearnerRender(benchmark::State& state) {
     BR::Bench::ModuleRig rig("learner", kBlock);
-    for (uint32_t i = 0; i < kBlock; ++i) {
-        rig.in[0][i] = float(std::sin(double(i) * 0.05));
-        rig.in[1][i] = float(std::cos(double(i) * 0.03));
-    }
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::FillTestSignals(rig.in[0], rig.in[1]);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 void BM_PlainCopy(benchmark::State& state) {
     std::vector<float> in[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
     std::vector<float> out[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
-    for (uint32_t i = 0; i < kBlock; ++i) {
-        in[0][i] = float(std::sin(double(i) * 0.05));
-        in[1][i] = float(std::cos(double(i) * 0.03));
-    }
+    BR::Bench::FillTestSignals(in[0], in[1]);
     for (auto _ : state) {
         for (int c = 0; c < 2; ++c) {
             const float* x = in[c].data();

@@ -21,12 +21,7 @@ void BM_LFORender(benchmark::State& state) {
     BR::Bench::ModuleRig rig("lfo", block);
     SetAllWaves(rig, "L");
     SetAllWaves(rig, "R");
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, block);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 // The same waves, phase, generator and mix on two channels, with no framework around them.

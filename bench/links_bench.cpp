@@ -22,12 +22,7 @@ void Fill(BR::Bench::ModuleRig& rig) {
 void RunRig(benchmark::State& state, BR::Bench::ModuleRig& rig) {
     Fill(rig);
     rig.Render();
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 void BM_Cinder(benchmark::State& state) {

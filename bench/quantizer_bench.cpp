@@ -20,12 +20,7 @@ void BM_QuantizerManual(benchmark::State& state) {
         rig.driver->SetParameterByName(std::string("Steps ") + channel, 24.0f);
         rig.driver->SetParameterByName(std::string("Offset ") + channel, 30.0f);
     }
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, block);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 void BM_QuantizerCalibrated(benchmark::State& state) {
@@ -42,12 +37,7 @@ void BM_QuantizerCalibrated(benchmark::State& state) {
         rig.driver->SetParameterByName(std::string("Transpose ") + channel, 2.0f);
     }
     rig.Render();
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, block);
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 // Inputs as the rig makes them.

@@ -6,12 +6,7 @@ namespace {
 
 void BM_SMUXRender(benchmark::State& state) {
     BR::Bench::ModuleRig rig("smux", uint32_t(state.range(0)));
-    for (auto _ : state) {
-        rig.Render();
-        benchmark::DoNotOptimize(rig.out[0].data());
-        benchmark::ClobberMemory();
-    }
-    BR::Bench::CountFrames(state, state.range(0));
+    BR::Bench::RenderBlocks(state, rig);
 }
 
 void BM_PlainLoop(benchmark::State& state) {

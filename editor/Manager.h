@@ -89,7 +89,10 @@ public:
     void MouseDragged(Point point, uint32_t modifiers);
     void MouseUp(Point point, uint32_t modifiers);
     void MouseWheel(Point point, float lines, uint32_t modifiers);
-    bool KeyDown(int32_t character);
+    // `typed` marks a character typed on the keyboard, as against a code of the key map: the panel's
+    // elements take both alike (46 is Delete and "." there), a dialog's edit field types "." and "-"
+    // and deletes only on the Delete key, as the system's own edit fields do.
+    bool KeyDown(int32_t character, bool typed = false);
     void FocusLost() { SetFocusedElement(nullptr); }
 
     // Window thread: shows a modal dialog over the panel; until it closes, pointer and keys go to it

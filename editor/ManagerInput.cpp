@@ -153,9 +153,9 @@ void Manager::MouseWheel(Point point, float lines, uint32_t modifiers) {
     MouseUp(Point{point.x, point.y + lines * 10.0f}, modifiers);
 }
 
-bool Manager::KeyDown(int32_t character) {
+bool Manager::KeyDown(int32_t character, bool typed) {
     bool taken = false;
-    if (WithDialog([&](Dialog& d) { taken = d.KeyDown(character); })) return taken;
+    if (WithDialog([&](Dialog& d) { taken = d.KeyDown(character, typed); })) return taken;
     return focusedElement ? focusedElement->KeyDown(character) : false;
 }
 

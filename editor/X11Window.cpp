@@ -343,7 +343,9 @@ void X11Window::HandleEvent(XEvent& event) {
             KeySym keysym = 0;
             const int length = XLookupString(&event.xkey, text, sizeof text, &keysym, nullptr);
             const int32_t character = MapKey(keysym, text, length);
-            if (character) m->KeyDown(character);
+            // A character of the key's own text, not a code the key map put in its place.
+            const bool typed = length > 0 && character == int32_t(static_cast<unsigned char>(text[0]));
+            if (character) m->KeyDown(character, typed);
             break;
         }
         case SelectionClear:

@@ -3,59 +3,10 @@
 // 5.3's); linked in the ordinary way, the plug-in's calls, and the library's calls to itself, would
 // bind to the host's functions and break both. Defined here, inside a plug-in whose version script
 // exports one symbol, the calls bind to these; the library is opened with its own symbols first.
-#include <dlfcn.h>
-
 #include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
 #include <lua.hpp>
 
-// The sanitizer runtimes refuse RTLD_DEEPBIND; sanitized builds are not plug-ins. GCC says so with
-// __SANITIZE_*__, clang through __has_feature.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define CORVANE_SANITIZED_BUILD 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define CORVANE_SANITIZED_BUILD 1
-#endif
-#endif
-
-namespace {
-
-void* Library() {
-    static void* handle = [] {
-        int flags = RTLD_NOW | RTLD_LOCAL;
-#if !defined(CORVANE_SANITIZED_BUILD)
-        flags |= RTLD_DEEPBIND;
-#endif
-        void* h = dlopen("liblua5.1-c++.so.0", flags);
-        if (!h) {
-            std::fprintf(stderr, "cannot load Lua 5.1 (liblua5.1-c++.so.0): %s\n", dlerror());
-            std::abort();
-        }
-        return h;
-    }();
-    return handle;
-}
-
-template <class F>
-F Resolve(const char* name) {
-    void* symbol = dlsym(Library(), name);
-    if (!symbol) {
-        std::fprintf(stderr, "Lua 5.1 has no function %s\n", name);
-        std::abort();
-    }
-    return reinterpret_cast<F>(symbol);
-}
-
-}  // namespace
-
-#define CORVANE_LUA_FORWARD(ret, name, params, args)              \
-    extern "C" ret name params {                                  \
-        using Function = ret(*) params;                           \
-        static const Function forward = Resolve<Function>(#name); \
-        return forward args;                                      \
-    }
+#include "LuaForward.h"
 
 CORVANE_LUA_FORWARD(lua_State*, luaL_newstate, (void), ())
 CORVANE_LUA_FORWARD(void, luaL_openlibs, (lua_State * L), (L))

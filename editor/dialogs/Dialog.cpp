@@ -166,7 +166,7 @@ void Dialog::MouseWheel(Point p, float lines) {
     }
 }
 
-bool Dialog::KeyDown(int32_t character) {
+bool Dialog::KeyDown(int32_t character, bool typed) {
     if (character == 13 || character == 3) {
         OnButton(kDialogOK);
         return true;
@@ -200,7 +200,11 @@ bool Dialog::KeyDown(int32_t character) {
         return true;
     }
     if (control.kind != DialogControl::kEdit) return true;
-    if (character == 8 || character == 46) {
+    // The key map gives Delete and "." one code (46), and Insert and "-" another (45): typed, they are
+    // characters; as keys, Delete removes the last character (the caret stands at the end) and Insert
+    // does nothing.
+    if (!typed && character == 45) return true;
+    if (character == 8 || (character == 46 && !typed)) {
         if (!control.text.empty()) {
             control.text.pop_back();
             OnChange(control);

@@ -60,7 +60,7 @@ public:
     void MouseWheel(Point point, float lines);
     // Characters and the keys of the view's key map; Return is OK, Escape is Cancel, Tab moves the focus
     // between the edit fields and list boxes. Always true: a modal dialog takes every key.
-    bool KeyDown(int32_t character);
+    bool KeyDown(int32_t character, bool typed = false);
 
     // Render thread: dims the panel and draws the box and its controls.
     void Draw(GuiFont* font, int32_t designWidth, int32_t designHeight);

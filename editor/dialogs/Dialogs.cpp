@@ -154,10 +154,22 @@ void PreferencesDialog::OnButton(int32_t id) {
     }
 }
 
+namespace {
+// 320 px, or wider for a long caption (a field's tooltip such as "Enter target address and port (e.g.
+// 127.0.0.1:7000)") so that it stays inside the frame: 7 px per character is above the dialog font's
+// average advance. Never wider than the panel less a margin.
+int32_t CaptionedWidth(const std::string& caption, int32_t designWidth) {
+    const int32_t wanted = int32_t(caption.size()) * 7 + 20;
+    return std::clamp(wanted, 320, std::max(320, designWidth - 20));
+}
+}  // namespace
+
 EnterPropertyDialog::EnterPropertyDialog(BrelCorvaneBase* module_, uint32_t property_,
                                          const std::string& caption, int32_t designWidth,
                                          int32_t designHeight)
-    : Dialog("Enter Property", 320, 110, designWidth, designHeight), module(module_), property(property_) {
+    : Dialog("Enter Property", CaptionedWidth(caption, designWidth), 110, designWidth, designHeight),
+      module(module_),
+      property(property_) {
     const float h = box[3] - box[1], w = box[2] - box[0];
     Add(DialogControl::kLabel, kDialogCaption, caption.empty() ? "Message:" : caption, 10, h - 42, w - 20,
         18);

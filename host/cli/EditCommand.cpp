@@ -14,8 +14,6 @@
 #include "EditorWindow.h"
 #include "RenderJob.h"
 #include "StateFile.h"
-#include "framework/ModuleCatalogue.h"
-#include "modules/ModuleFactory.h"
 
 namespace BR {
 
@@ -52,17 +50,10 @@ void RenderInRealTime(HostDriver& driver, const RenderJob& job, std::atomic<bool
 
 int RunEdit(int argc, char** argv) {
     RenderJob job = ParseRenderJob(argc, argv, 2);
-    const CatalogueEntry* entry = FindCatalogueEntry(job.stem);
-    if (!entry) throw UsageError("unknown module \"" + job.stem + "\"; \"corvane list\" shows the modules");
     // The editor's render is in real time anyway: the server, scripts and base port of the
     // command line apply as they do to "render --realtime".
-    ApplyRemoteSettings(job.remote);
-    CheckScripts(job.scripts, "");
-    std::unique_ptr<BrelCorvaneBase> module =
-        CreateScriptedModule([&] { return CreateModule(job.stem); }, job.scripts, job.stem);
-    if (!module) throw UsageError("module \"" + job.stem + "\" is not available in this build");
-    HostDriver driver(std::move(module), *entry, float(job.sampleRate),
-                      std::min<uint32_t>(job.blockSize, kDefaultMaxBlockSize));
+    const std::unique_ptr<HostDriver> owner = MakeJobDriver(job);
+    HostDriver& driver = *owner;
     if (!job.stateIn.empty()) {
         try {
             RestoreStateFile(job.stateIn, driver);

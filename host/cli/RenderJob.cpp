@@ -151,7 +151,7 @@ RenderJob ParseRenderJob(int argc, char** argv, int first) {
     return job;
 }
 
-int64_t RunRenderJob(const RenderJob& job) {
+std::unique_ptr<HostDriver> MakeJobDriver(const RenderJob& job) {
     const CatalogueEntry* entry = FindCatalogueEntry(job.stem);
     if (!entry) throw UsageError("unknown module \"" + job.stem + "\"; \"corvane list\" shows the modules");
     ApplyRemoteSettings(job.remote);
@@ -159,9 +159,12 @@ int64_t RunRenderJob(const RenderJob& job) {
     std::unique_ptr<BrelCorvaneBase> module =
         CreateScriptedModule([&] { return CreateModule(job.stem); }, job.scripts, job.stem);
     if (!module) throw UsageError("module \"" + job.stem + "\" is not available in this build");
-    HostDriver driver(std::move(module), *entry, float(job.sampleRate),
-                      std::min<uint32_t>(job.blockSize, kDefaultMaxBlockSize));
-    return RenderWithDriver(driver, job);
+    return std::make_unique<HostDriver>(std::move(module), *entry, float(job.sampleRate),
+                                        std::min<uint32_t>(job.blockSize, kDefaultMaxBlockSize));
+}
+
+int64_t RunRenderJob(const RenderJob& job) {
+    return RenderWithDriver(*MakeJobDriver(job), job);
 }
 
 int64_t RenderWithDriver(HostDriver& driver, const RenderJob& job) {

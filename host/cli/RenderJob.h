@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -39,6 +40,9 @@ struct RenderJob {
 
 // Parses "render STEM [options]" from argv[first] on; throws UsageError.
 RenderJob ParseRenderJob(int argc, char** argv, int first);
+// The job's module (its remote settings applied, its scripts checked and run) behind a driver at the
+// job's rate and block size. Throws UsageError for an unknown or unavailable module.
+std::unique_ptr<HostDriver> MakeJobDriver(const RenderJob& job);
 // Renders and writes the WAV; returns the number of frames written. Throws UsageError or runtime_error.
 int64_t RunRenderJob(const RenderJob& job);
 // The same with a driver already made (the job's stem is not looked at): for RunRenderJob, and for

@@ -79,6 +79,8 @@ void ReadEnvBlockParameters(const BrelCorvaneBase& module, const EnvParameterRow
 void setupEnvStage(EnvStage& stage, int32_t type, float time, float shape, float startLevel, float endLevel,
                    float sampleRate) {
     stage.type = type;
+    stage.rendered = 0;
+    stage.cacheEntry = -1;
     float samples = time * sampleRate;
     if (!(samples >= 1.0f)) samples = 1.0f;
     const float delta = endLevel - startLevel;
@@ -194,7 +196,123 @@ void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float s
     display.level = envelope.level;
 }
 
-void renderEnvelope(Envelope& envelope, float* out, uint32_t count) {
+namespace {
+
+uint32_t Bits(float x) {
+    uint32_t b;
+    std::memcpy(&b, &x, sizeof b);
+    return b;
+}
+
+// Runs an exponential segment's chain for up to `n` samples from `level`; returns the samples written
+// and sets `ended` when the level reached the target (that sample reads the target).
+uint32_t RunExponential(const EnvStage& stage, float& levelInOut, float* y, uint32_t n, bool& ended) {
+    const float c = stage.coefficient, add = stage.increment, target = stage.target;
+    float level = levelInOut;
+    uint32_t done = n;
+    if (!stage.falling) {
+        for (uint32_t i = 0; i < n; ++i) {
+            level = c * level + add;
+            if (level >= target) {
+                y[i] = target;
+                done = i + 1;
+                ended = true;
+                break;
+            }
+            y[i] = level;
+        }
+    } else {
+        for (uint32_t i = 0; i < n; ++i) {
+            level = c * level + add;
+            if (!(level > target)) {  // a not-a-number level ends the segment too
+                y[i] = target;
+                done = i + 1;
+                ended = true;
+                break;
+            }
+            y[i] = level;
+        }
+    }
+    levelInOut = level;
+    return done;
+}
+
+// The cache entry that holds (or is to hold) this segment's samples, or -1 when it runs uncached.
+// A segment takes its entry at its first sample, keyed by the level it starts from.
+int32_t CacheEntryOf(EnvSegmentCache& cache, EnvStage& stage, float level) {
+    if (stage.rendered != 0) {
+        const int32_t k = stage.cacheEntry;
+        return k >= 0 && cache.entries[k].generation == stage.cacheGeneration ? k : -1;
+    }
+    if (stage.samplesLeft < EnvSegmentCache::kShortest) return -1;
+    const uint32_t start = Bits(level), c = Bits(stage.coefficient), add = Bits(stage.increment),
+                   target = Bits(stage.target);
+    int32_t found = -1, oldest = 0;
+    for (int32_t k = 0; k < EnvSegmentCache::kEntries; ++k) {
+        const EnvSegmentCache::Entry& e = cache.entries[k];
+        if (e.start == start && e.coefficient == c && e.increment == add && e.target == target &&
+            e.falling == stage.falling && e.filled != 0) {
+            found = k;
+            break;
+        }
+        if (e.lastUse < cache.entries[oldest].lastUse) oldest = k;
+    }
+    if (found < 0) {
+        found = oldest;
+        EnvSegmentCache::Entry& e = cache.entries[found];
+        e.start = start;
+        e.coefficient = c;
+        e.increment = add;
+        e.target = target;
+        e.falling = stage.falling;
+        e.ended = false;
+        e.filled = 0;
+        ++e.generation;
+    }
+    cache.entries[found].lastUse = ++cache.clock;
+    stage.cacheEntry = found;
+    stage.cacheGeneration = cache.entries[found].generation;
+    return found;
+}
+
+// The exponential segment through the cache: what the entry holds from this point is copied, the rest
+// runs the chain from the last level held and is added to the entry while it follows on.
+uint32_t RunCached(EnvSegmentCache& cache, int32_t k, const EnvStage& stage, float& level, float* y,
+                   uint32_t n, bool& ended) {
+    EnvSegmentCache::Entry& e = cache.entries[k];
+    float* held = cache.levels[k];
+    const uint32_t at = stage.rendered;
+    uint32_t done = 0;
+    if (at < e.filled) {
+        done = std::min(n, e.filled - at);
+        std::memcpy(y, held + at, done * sizeof(float));
+        cache.copied += done;
+        if (e.ended && at + done == e.filled) {
+            level = e.endLevel;
+            ended = true;
+            return done;
+        }
+        level = y[done - 1];  // a sample short of the end holds the level itself
+        if (done == n) return done;
+    }
+    const uint32_t from = at + done;
+    const uint32_t more = RunExponential(stage, level, y + done, n - done, ended);
+    cache.computed += more;
+    if (from == e.filled && !e.ended && e.filled < EnvSegmentCache::kCapacity) {
+        const uint32_t keep = std::min(more, EnvSegmentCache::kCapacity - e.filled);
+        std::memcpy(held + from, y + done, keep * sizeof(float));
+        e.filled += keep;
+        if (ended && keep == more) {
+            e.ended = true;
+            e.endLevel = level;
+        }
+    }
+    return done + more;
+}
+
+}  // namespace
+
+void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache) {
     float level = envelope.level;
     int32_t index = envelope.stageIndex;
     if (index < kEnvFinished || index >= kEnvNumStages) index = kEnvFinished;
@@ -221,32 +339,12 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count) {
             }
             stage.increment = increment;
         } else {
-            const float c = stage.coefficient, add = stage.increment, target = stage.target;
-            if (!stage.falling) {
-                for (uint32_t i = 0; i < n; ++i) {
-                    level = c * level + add;
-                    if (level >= target) {
-                        y[i] = target;
-                        done = i + 1;
-                        ended = true;
-                        break;
-                    }
-                    y[i] = level;
-                }
-            } else {
-                for (uint32_t i = 0; i < n; ++i) {
-                    level = c * level + add;
-                    if (!(level > target)) {  // a not-a-number level ends the segment too
-                        y[i] = target;
-                        done = i + 1;
-                        ended = true;
-                        break;
-                    }
-                    y[i] = level;
-                }
-            }
+            const int32_t entry = cache && n != 0 ? CacheEntryOf(*cache, stage, level) : -1;
+            done = entry >= 0 ? RunCached(*cache, entry, stage, level, y, n, ended)
+                              : RunExponential(stage, level, y, n, ended);
         }
         written += done;
+        stage.rendered += done;
         // An ended exponential segment keeps the overshot level: the next stage starts from it.
         stage.samplesLeft = ended ? 0u : stage.samplesLeft - done;
         if (stage.samplesLeft == 0) index = std::max(index - 1, int32_t(kEnvFinished));

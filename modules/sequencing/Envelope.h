@@ -40,6 +40,37 @@ struct EnvStage {
     // keeps them and needs no exp or log.
     bool exponentialValid = false;
     float fromSamples = 0.0f, fromShape = 0.0f, fromStart = 0.0f, fromEnd = 0.0f;
+    // Samples rendered since the segment was set up, and the segment cache entry it reads or fills
+    // (-1 none; valid while the entry's generation is `cacheGeneration`).
+    uint32_t rendered = 0;
+    int32_t cacheEntry = -1;
+    uint32_t cacheGeneration = 0;
+};
+
+// Levels of exponential segments already rendered. An exponential segment is a serial chain,
+// level = c * level + add, whose samples depend on nothing but its start level, `c`, `add`, its
+// target and its direction: a segment that starts again with the same bits of all five (as at a
+// steady gate rate most do) repeats the same samples, which are then copied instead of run through
+// the chain, bit for bit. Entries fill while a segment is first rendered, in the order it renders;
+// the least recently used one is taken for a new segment. Fixed size, owned by the module and made
+// with it: rendering never allocates.
+struct EnvSegmentCache {
+    static constexpr int32_t kEntries = 16;
+    static constexpr uint32_t kCapacity = 2048;  // samples per entry (43 ms at 48 kHz); later ones run
+    static constexpr uint32_t kShortest = 32;    // segments shorter than this always run the chain
+    struct Entry {
+        uint32_t start = 0, coefficient = 0, increment = 0, target = 0;  // bit patterns of the key
+        bool falling = false;
+        bool ended = false;       // the chain reached its target on sample `filled` - 1
+        float endLevel = 0.0f;    // the overshot level it then kept
+        uint32_t filled = 0;      // samples held, from the segment's start
+        uint32_t generation = 0;  // moves on whenever the entry is given to another key
+        uint64_t lastUse = 0;
+    };
+    Entry entries[kEntries];
+    float levels[kEntries][kCapacity];
+    uint64_t clock = 0;
+    uint64_t copied = 0, computed = 0;  // samples of cached segments copied and run, for tests and benchmarks
 };
 
 struct Envelope {
@@ -123,7 +154,8 @@ void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float s
                     EnvDisplayValues& display);
 
 // Writes `count` levels, passing through as many stages as the samples reach. On the sample where an
-// exponential segment ends the output is its target, while `level` keeps the overshot value.
-void renderEnvelope(Envelope& envelope, float* out, uint32_t count);
+// exponential segment ends the output is its target, while `level` keeps the overshot value. With a
+// `cache`, exponential segments that repeat are copied from it (the same samples, bit for bit).
+void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache = nullptr);
 
 }  // namespace BR

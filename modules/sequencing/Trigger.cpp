@@ -59,7 +59,7 @@ constexpr int32_t kControllerAllNotesOff = 123;
 
 }  // namespace
 
-BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
+BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig), segmentCache(std::make_unique<BR::EnvSegmentCache>()) {
     BrelCorvane::InitModule();
 }
 
@@ -223,7 +223,7 @@ void BrelCorvane::RenderTrigger(float* out, uint32_t frames) {
             break;
         }
         case kModeEnvelope: {
-            BR::renderEnvelope(envelope, out, frames);
+            BR::renderEnvelope(envelope, out, frames, segmentCache.get());
             const float span = maxVoltage - minVoltage, base = minVoltage;
             for (uint32_t i = 0; i < frames; ++i)
                 out[i] = out[i] * span + base;

@@ -2,6 +2,8 @@
 // velocity voltage on the single output.
 #pragma once
 
+#include <memory>
+
 #include "framework/BrelCorvaneBase.h"
 #include "framework/Smoothing.h"
 #include "modules/sequencing/EdgeScan.h"
@@ -74,6 +76,7 @@ public:
     int32_t TriggerLengthSamples() const { return triggerLengthSamples; }
     const BR::Envelope& GetEnvelope() const { return envelope; }
     const BR::OutputSmoother& Smoother() const { return smoother; }
+    const BR::EnvSegmentCache& SegmentCache() const { return *segmentCache; }
 
 private:
     float Value(int32_t tableIndex) const;
@@ -86,6 +89,7 @@ private:
 
     BR::Envelope envelope;
     BR::EnvParameters envParameters;
+    std::unique_ptr<BR::EnvSegmentCache> segmentCache;  // made with the module, never when rendering
     bool gateOpen = false;
     bool sustainPedal = false;  // stored only
     float velocity = 0.0f;

@@ -18,7 +18,7 @@ void Press(LuaPanelRig& rig, const char* key) {
 void TypeAndPress(Manager& manager, const std::string& text, int32_t button) {
     manager.WithDialog([&](Dialog& dialog) {
         for (char c : text)
-            dialog.KeyDown(c);
+            dialog.KeyDown(c, true);
         dialog.MouseDown(dialog.Centre(button), 1);
     });
 }
@@ -85,7 +85,7 @@ TEST(CalibrationFileDialogs, PathStaysWithin260Characters) {
     TempHome home;
     FileDialog d(FileDialog::kSave, "", "Text Files (*.txt)", "txt", home.root, nullptr, 600, 400);
     for (int i = 0; i < 400; ++i)
-        d.KeyDown('a');
+        d.KeyDown('a', true);
     const std::string path = d.ChosenPath();
     EXPECT_LE(path.size(), FileDialog::kMaxPath);
     EXPECT_EQ(d.Find(kFileName)->text.size(), FileDialog::kMaxPath - (d.Folder().size() + 1));

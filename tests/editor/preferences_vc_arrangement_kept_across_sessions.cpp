@@ -39,7 +39,7 @@ TEST(PreferencesDialogFields, BadPortIsReadAsTheDecimalReaderTakesIt) {
     for (int i = 0; i < 4; ++i)
         d.KeyDown(8);
     for (char c : std::string("81x2"))
-        d.KeyDown(c);
+        d.KeyDown(c, true);
     EXPECT_EQ(d.Find(kPrefsOSCBasePort)->text, "81x2");
     EXPECT_EQ(ReadPreferenceFile()["OSC Base Port"], "81");
     // Return closes as "OK" does; Escape as "Cancel".

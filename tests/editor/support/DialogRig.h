@@ -97,8 +97,10 @@ struct DialogWindowRig {
                                          : c == '/' ? XK_slash
                                          : c == ' ' ? XK_space
                                          : c == '_' ? XK_underscore
+                                         : c == ':' ? XK_colon
                                                     : (unsigned long)(unsigned char)c;
-            if (c >= 'A' && c <= 'Z') {
+            // Capitals and ":" are the shifted level of their keys.
+            if ((c >= 'A' && c <= 'Z') || c == ':') {
                 XTestFakeKeyEvent(input, XKeysymToKeycode(input, XK_Shift_L), True, CurrentTime);
                 Key(keysym);
                 XTestFakeKeyEvent(input, XKeysymToKeycode(input, XK_Shift_L), False, CurrentTime);
