@@ -28,6 +28,7 @@ CORVANE_LUA_FORWARD(void, lua_getfield, (lua_State * L, int i, const char* k), (
 CORVANE_LUA_FORWARD(void, lua_setfield, (lua_State * L, int i, const char* k), (L, i, k))
 CORVANE_LUA_FORWARD(int, lua_getmetatable, (lua_State * L, int i), (L, i))
 CORVANE_LUA_FORWARD(int, lua_setmetatable, (lua_State * L, int i), (L, i))
+CORVANE_LUA_FORWARD(int, lua_checkstack, (lua_State * L, int n), (L, n))
 CORVANE_LUA_FORWARD(int, lua_gettop, (lua_State * L), (L))
 CORVANE_LUA_FORWARD(void, lua_settop, (lua_State * L, int i), (L, i))
 CORVANE_LUA_FORWARD(int, lua_type, (lua_State * L, int i), (L, i))

@@ -24,6 +24,12 @@ int PushArguments(lua_State* L, osc::ReceivedMessage::const_iterator arg,
     const int top = lua_gettop(L);
     int count = 0;
     for (; arg != end; ++arg, ++count) {
+        // Lua guarantees a caller only a few free stack slots; a packet can carry thousands of
+        // arguments, and pushing past the stack's end would write over the state's memory.
+        if (!lua_checkstack(L, 1)) {
+            lua_settop(L, top - 1);
+            throw osc::Exception("too many arguments to exec");
+        }
         switch (arg->TypeTag()) {
             case osc::TRUE_TYPE_TAG:
                 lua_pushboolean(L, 1);
@@ -197,6 +203,8 @@ void OSCHelper::HandleLuaCall(const osc::ReceivedMessage& message, bool withRepl
     // able to corrupt the state and bring the host down.
     std::lock_guard<std::recursive_mutex> guard(luaHelper->LuaLock());
     const int top = lua_gettop(L);
+    // Room for the function (the arguments check their own) and for the results a reply takes.
+    if (!lua_checkstack(L, kCallResults + 1)) throw osc::Exception("failed to exec function");
     lua_getglobal(L, function);
     int count = 0;
     try {

@@ -72,9 +72,10 @@ const char* SkipString(const char* p, const char* end) {
 }
 
 // The library walks a message's arguments by their sizes before checking them, and takes a blob's size
-// field as it stands: a blob whose size runs past the end of the message makes it read far outside the
-// packet. Such a message is refused here, from its raw bytes, before the library sees it. Any other
-// fault stops the walk and is left to the library, which refuses it with its own text.
+// field as it stands, even when the message ends before the field: a blob whose size field or bytes run
+// past the end of the message makes it read far outside the packet. Such a message is refused here, from
+// its raw bytes, before the library sees it. Any other fault stops the walk and is left to the library,
+// which refuses it with its own text.
 void CheckBlobs(const char* data, const char* end) {
     if (end <= data) return;
     const char* tags = SkipString(data, end);
@@ -102,7 +103,7 @@ void CheckBlobs(const char* data, const char* end) {
                 if (!p) return;
                 continue;
             case 'b': {
-                if (end - p < 4) return;
+                if (end - p < 4) throw osc::MalformedMessageException("blob exceeds message size");
                 const uint32_t size = uint32_t(uint8_t(p[0])) << 24 | uint32_t(uint8_t(p[1])) << 16 |
                                       uint32_t(uint8_t(p[2])) << 8 | uint32_t(uint8_t(p[3]));
                 const uint64_t padded = (uint64_t(size) + 3) & ~uint64_t(3);

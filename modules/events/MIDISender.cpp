@@ -73,8 +73,7 @@ void MIDISender::Stop() {
 }
 
 void MIDISender::Run() {
-    uint32_t seen = wake.load(std::memory_order_acquire);
-    while (!quit.load(std::memory_order_acquire)) {
+    auto sendAll = [this] {
         for (;;) {
             const int32_t next = (readIndex.load(std::memory_order_relaxed) + 1) % kEntries;
             if (next == writeIndex.load(std::memory_order_acquire)) break;
@@ -83,9 +82,15 @@ void MIDISender::Run() {
             // Messages go out as fast as the thread gets them; the timestamp is not used for timing.
             if (MIDIOutputDevice* out = device.load(std::memory_order_acquire)) out->Send(e.bytes, e.length);
         }
+    };
+    uint32_t seen = wake.load(std::memory_order_acquire);
+    while (!quit.load(std::memory_order_acquire)) {
+        sendAll();
         wake.wait(seen, std::memory_order_acquire);
         seen = wake.load(std::memory_order_acquire);
     }
+    // What was written before the stop still leaves (the last note-offs of a render that ends).
+    sendAll();
 }
 
 }  // namespace BR

@@ -91,7 +91,7 @@ void OSCSender::SetTarget(uint32_t address, int32_t port, bool resolved) {
 
 void OSCSender::Run(const std::shared_ptr<Shared>& state) {
     Shared& s = *state;
-    while (s.events.Wait() != kQuitEvent) {
+    auto pass = [&s] {
         try {
             Pass(s);
         } catch (...) {
@@ -99,7 +99,12 @@ void OSCSender::Run(const std::shared_ptr<Shared>& state) {
             // the ring for the next wake-up.
             s.failedPasses.fetch_add(1, std::memory_order_relaxed);
         }
-    }
+    };
+    while (s.events.Wait() != kQuitEvent)
+        pass();
+    // The quit event wins over work that came with it, but the values posted before it still leave:
+    // a render that ends right after its last change must not lose that change.
+    pass();
     s.done.store(true);
 }
 

@@ -65,7 +65,12 @@ void OscNotifySender::Run() {
             events.wait(0, std::memory_order_acquire);
             now = events.load(std::memory_order_acquire);
         }
-        if (now & kStop) return;  // stop wins over a wake that came with it
+        if (now & kStop) {
+            // Stop wins over a wake that came with it, but what was written before it still leaves: a
+            // host that stops right after the last change (an offline render ending) must not lose it.
+            SendPending();
+            return;
+        }
         events.fetch_and(~uint32_t(kWake), std::memory_order_acq_rel);
         SendPending();
     }

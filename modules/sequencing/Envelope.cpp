@@ -11,6 +11,9 @@ namespace BR {
 
 namespace {
 
+// The largest end level a rescaled release may head for (see envNoteOff).
+constexpr float kMaxReleaseLevel = 1e6f;
+
 // Stage number of each segment, in the order of the parameter rows.
 constexpr int32_t kSegmentStage[kNumEnvSegments] = {kEnvA1, kEnvA2, kEnvA3, kEnvR1, kEnvR2};
 
@@ -159,6 +162,11 @@ void envNoteOff(Envelope& envelope, const EnvParameters& parameters, float sampl
     float r1 = parameters.levelR1 * envelope.velocityScale;
     // Keeps R1 in proportion when the release starts from another level than the sustain.
     if (s > 0.001f) r1 *= envelope.level / s;
+    // A "Level R1" above a small sustain rescales by up to a thousand, and notes retriggered during
+    // such releases compound it (the attack takes off from where the release got to): unbounded, the
+    // level reaches infinity within a few dozen notes. Held at a million times full scale, far beyond
+    // ordinary use and finite through every sum and scaling of the signal path.
+    r1 = std::clamp(r1, -kMaxReleaseLevel, kMaxReleaseLevel);
     const float m = TimeFactor(envelope, parameters.multiplier);
     SetupSegment(envelope, kSegR1, parameters.time[kSegR1] * m, envelope.level, r1, parameters, sampleRate);
     SetupSegment(envelope, kSegR2, parameters.time[kSegR2] * m, r1, 0.0f, parameters, sampleRate);

@@ -1,6 +1,7 @@
 // With a module's editor open under Xvfb and its render thread drawing the panel (live displays
-// included), the audio thread's blocks take no lock and allocate nothing: the render thread polls the
-// module without a lock, so no lock is shared between the two and drawing can never hold up audio.
+// included) and the window thread turning a control as a knob gesture does, the audio thread's blocks
+// take no lock and allocate nothing: the render thread polls the module without a lock, so no lock is
+// shared between the two and drawing can never hold up audio.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -12,9 +13,15 @@
 namespace BR::Test {
 
 namespace {
-void AudioThreadTakesNoLockWhileEditorDraws(const char* stem) {
+// `turned` is the parameter the window thread moves between `low` and `high` meanwhile.
+void AudioThreadTakesNoLockWhileEditorDraws(const char* stem, const char* turned, float low, float high) {
     DialogWindowRig w(stem);
     ASSERT_TRUE(w.OpenScript()) << w.window.LastError();
+    Manager& manager = w.panel.manager;
+    int32_t parameter = -1;
+    for (int32_t i = 0; i < w.panel.driver->Module().NumTableParameters(); ++i)
+        if (std::string(w.panel.driver->Module().ParameterTable()[i].name) == turned) parameter = i;
+    ASSERT_GE(parameter, 0) << turned;
     HostDriver& driver = *w.panel.driver;
     std::vector<std::vector<float>> in(size_t(driver.NumHostInputs()), std::vector<float>(256, 0.25f));
     std::vector<std::vector<float>> out(size_t(driver.NumHostOutputs()), std::vector<float>(256));
@@ -47,10 +54,15 @@ void AudioThreadTakesNoLockWhileEditorDraws(const char* stem) {
             allocations += allocationScope.Count();
         }
         blocks += 8;
-        w.Pump(2);  // the window thread's turn, outside the count
+        // The window thread's turn, outside the count: a knob gesture, then the window's events.
+        manager.BeginParameterEdit(parameter);
+        manager.SetParameterValue(parameter, (blocks / 8) % 2 ? high : low);
+        manager.EndParameterEdit(parameter);
+        w.Pump(2);
         if (std::chrono::steady_clock::now() > end + std::chrono::seconds(20)) break;
     }
     EXPECT_GE(w.panel.manager.FrameCount(), framesBefore + 5) << "the editor drew nothing meanwhile";
+    EXPECT_EQ(driver.Module().GetTableValue(parameter), (blocks / 8) % 2 ? high : low);  // the last turn
     EXPECT_GT(blocks, 0u);
     EXPECT_EQ(locks, 0u) << stem;
     EXPECT_EQ(allocations, 0u) << stem;
@@ -58,11 +70,11 @@ void AudioThreadTakesNoLockWhileEditorDraws(const char* stem) {
 }  // namespace
 
 TEST(WindowAudioWithEditorOpen, LFOTakesNoLockAndAllocatesNothing) {
-    AudioThreadTakesNoLockWhileEditorDraws("lfo");
+    AudioThreadTakesNoLockWhileEditorDraws("lfo", "Speed L", 1.0f, 10.0f);
 }
 
 TEST(WindowAudioWithEditorOpen, TriggerTakesNoLockAndAllocatesNothing) {
-    AudioThreadTakesNoLockWhileEditorDraws("trigger");
+    AudioThreadTakesNoLockWhileEditorDraws("trigger", "Gate", 0.0f, 1.0f);
 }
 
 }  // namespace BR::Test

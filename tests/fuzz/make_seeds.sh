@@ -32,6 +32,12 @@ for stem in follower cvtomidi; do
         "$corvane" render "$stem" --frames 64 "${extra[@]}" --out "$work/o.wav" --state-out "$seeds/state_file/$stem.state"
     fi
 done
+# The event modules' own entries: the Learner's destination ("ipep"), CV To OSC's target and paths
+# ("ipep", "osp0", "osp1"), the Soundplane's calibration table and name ("calt", "calf").
+"$corvane" render learner --frames 64 --property "64110=127.0.0.1:9001" --out "$work/o.wav" --state-out "$seeds/state_file/learner.state"
+"$corvane" render cvtoosc --frames 64 --property "64110=osc.udp://127.0.0.1:9002" --property "64111=/cv/left" \
+    --property "64112=/cv/right" --out "$work/o.wav" --state-out "$seeds/state_file/cvtoosc.state"
+"$corvane" render soundplane --frames 64 --calibration-in "$cal" --out "$work/o.wav" --state-out "$seeds/state_file/soundplane.state"
 "$corvane" render dc --frames 64 --out "$seeds/wav_input/dc_float.wav"
 
 python3 - "$seeds" <<'PY'
@@ -55,6 +61,16 @@ for name in sorted(os.listdir(os.path.join(seeds, "state_file"))):
     put("state_chunks", name.replace(".state", ".chunks"), struct.pack("<H", len(elck)) + elck + chnk)
 put("state_chunks", "ids.chunks", struct.pack("<H", 0) + struct.pack("<III", 0x4272656c, 1, 24) +
     b"diul" + struct.pack("<II", 4, 3) + b"diug" + struct.pack("<II", 4, 7))
+# A Learner image with mappings ("mmap", version 2: target id, parameter, source id, channel, kind,
+# number, minimum, maximum, unit), addressed to the ids the instances of the chunk target get.
+def store(*entries):
+    body = b"".join(struct.pack("<II", tag, len(data) + -len(data) % 4) + data + b"\0" * (-len(data) % 4) for tag, data in entries)
+    return struct.pack("<III", 0x4272656c, 1, len(body)) + body
+mappings = struct.pack("<I", 2)
+for target, parameter, source, kind, number in ((8, 1, 12, 0, 7), (12, 0, 12, 1, 60), (3, 2, 5, 2, 0), (99, 4, 1, 3, 0)):
+    mappings += struct.pack("<IIIIIIffI", target, parameter, source, 0, kind, number, 0.0, 1.0, 1)
+put("state_chunks", "learner_mappings.chunks", struct.pack("<H", 0) +
+    store((0x69706570, b"127.0.0.1:9003\0"), (0x6D6D6170, mappings)))
 
 # OSC packets.
 def pad(b):

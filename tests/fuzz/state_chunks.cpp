@@ -2,17 +2,21 @@
 // makes (made once and kept, as a host keeps its instances between sessions it loads) ("elck", then the
 // "Chnk" image with "luid", "guid" and each module's own entries), a block rendered from what they set, and
 // the state saved and restored once more. Modules added to the factory later take part without a change here.
+// The event modules' entries name where they send (the Learner's destination, CV To OSC's target, which
+// goes through the host's OSC transmit hook as in the plug-in), so the process runs in a network of its own.
 //
 // Input: a 16-bit little-endian length n, n bytes of "elck", and the "Chnk" image in the rest.
 #include <cstdint>
 #include <memory>
 #include <vector>
 
+#include "FuzzSupport.h"
 #include "RenderCheck.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/ModuleCatalogue.h"
 #include "host/HostDriver.h"
 #include "modules/ModuleFactory.h"
+#include "remote/RemoteServices.h"
 
 namespace {
 
@@ -40,6 +44,10 @@ std::vector<std::unique_ptr<BR::HostDriver>>* drivers = nullptr;
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    BR::Fuzz::IsolateNetwork();
+    BR::Fuzz::QuietStandardOutput();
+    BR::Fuzz::UseEmptyUserFolders();
+    BR::InstallOSCTransmitter();
     drivers = new std::vector<std::unique_ptr<BR::HostDriver>>;
     const BR::CatalogueEntry* entries = BR::CatalogueEntries();
     for (int i = 0; i < BR::kNumCatalogueEntries; ++i)

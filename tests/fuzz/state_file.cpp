@@ -1,6 +1,7 @@
 // Fuzz target: a CorvStat state file, checked whole and, when it holds the state of a module this build
 // makes, restored into a new instance of it and rendered. Half the inputs have their checksum made
-// right first, so that the checks behind it are reached too.
+// right first, so that the checks behind it are reached too. A state names where the event modules send
+// (through the host's OSC transmit hook, as in the plug-in), so the process runs in a network of its own.
 //
 // Input: the file. Its first byte's lowest bit set: the last four bytes are replaced by the CRC-32 of
 // everything before them.
@@ -17,9 +18,13 @@
 #include "host/HostDriver.h"
 #include "host/cli/StateFile.h"
 #include "modules/ModuleFactory.h"
+#include "remote/RemoteServices.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    BR::Fuzz::IsolateNetwork();
     BR::Fuzz::QuietStandardOutput();
+    BR::Fuzz::UseEmptyUserFolders();
+    BR::InstallOSCTransmitter();
     return 0;
 }
 

@@ -28,6 +28,22 @@
 
 namespace BR::Test {
 
+// Sets the process-wide MIDI hook (the learn table's, which a Learner installs and leaves for the
+// whole process) for one test, and puts back the one found when the scope ends, so that tests of one
+// process do not depend on their order.
+class GlobalMIDIHookScope {
+public:
+    explicit GlobalMIDIHookScope(GlobalMIDIHook hook) : previous(GetGlobalMIDIHook()) {
+        SetGlobalMIDIHook(hook);
+    }
+    ~GlobalMIDIHookScope() { SetGlobalMIDIHook(previous); }
+    GlobalMIDIHookScope(const GlobalMIDIHookScope&) = delete;
+    GlobalMIDIHookScope& operator=(const GlobalMIDIHookScope&) = delete;
+
+private:
+    GlobalMIDIHook previous;
+};
+
 // A module of `stem` with services, behind a driver, listening at base + offset when offset > 0.
 inline std::unique_ptr<HostDriver> MakeRemoteDriver(const std::string& stem, int32_t basePort,
                                                     int32_t offset = 0) {

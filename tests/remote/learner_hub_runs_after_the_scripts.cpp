@@ -10,6 +10,9 @@
 using namespace BR::Test;
 
 TEST(LearnHub, TableActsAfterTheScripts) {
+    // The Learner installs the table's hook for the whole process; the tests after this one find the
+    // process as it was.
+    const GlobalMIDIHookScope restore(BR::GetGlobalMIDIHook());
     BrelCorvaneLearner::RemoveAllMappings();
     auto dc = MakeRemoteDriver("dc", 7700);  // offset 0: no socket
     auto learner = MakeDriver("learner");

@@ -1,8 +1,8 @@
-// A blob whose size field runs past the end of its message (or is negative) is refused before any of
-// its bytes are read, alone or inside a bundle, and the next packet is served; a blob that fits is an
-// argument like another. The OSC library would walk past such a blob to the next argument before
-// checking anything (the fuzzer found both a read of the blob and a crash inside the library), so the
-// server refuses the message from its raw bytes first ("blob exceeds message size").
+// A blob whose size field, or the bytes it counts, run past the end of its message (or whose size is
+// negative) is refused before any of its bytes are read, alone or inside a bundle, and the next packet is
+// served; a blob that fits is an argument like another. The OSC library would walk past such a blob to the
+// next argument before checking anything (the fuzzer found reads of the blob and crashes inside the
+// library), so the server refuses the message from its raw bytes first ("blob exceeds message size").
 #include <gtest/gtest.h>
 
 #include "RemoteRig.h"
@@ -56,6 +56,16 @@ TEST(OSCMessages, BlobPastItsMessageIsRefusedAndTheNextPacketServed) {
                                      ',',        'b',        'b', 0,   '/', char(0x80), 0,   0};
     client.SendRaw(7321, inner.data(), inner.size());
     EXPECT_NE(ping(), "");
+    // A blob whose size field itself lies past the end, after the address and type tags the library
+    // reads on to words ending in zero (the fuzzer's packet), and after a plain "/set ,b".
+    const std::vector<char> noSize = {'/',        'n',        'o',        't',  0, 'e', '/',
+                                      char(0x96), char(0x8b), char(0x90), 0,    0, ',', 'b',
+                                      0,          char(0xf9), char(0xd0), 0x7f, 0, 0};
+    client.SendRaw(7321, noSize.data(), noSize.size());
+    EXPECT_NE(ping(), "");
+    const std::vector<char> bare = {'/', 's', 'e', 't', 0, 0, 0, 0, ',', 'b', 0, 0};
+    client.SendRaw(7321, bare.data(), bare.size());
+    EXPECT_NE(ping(), "");
     // A blob of four bytes that are there: the command's own refusal.
     const std::vector<char> fits = SetWithBlob(4);
     client.SendRaw(7321, fits.data(), fits.size());
@@ -67,6 +77,6 @@ TEST(OSCMessages, BlobPastItsMessageIsRefusedAndTheNextPacketServed) {
             ++n;
         return n;
     };
-    EXPECT_EQ(count("error while parsing message: blob exceeds message size\n"), 6u) << out;
+    EXPECT_EQ(count("error while parsing message: blob exceeds message size\n"), 8u) << out;
     EXPECT_NE(out.find("error while parsing message: /set: wrong argument type\n"), std::string::npos) << out;
 }

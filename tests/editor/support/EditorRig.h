@@ -91,7 +91,8 @@ inline bool ReadPngRgb(const std::string& path, std::vector<uint8_t>& rgb, int& 
 // Pixels whose channels differ by more than `tolerance`, as a fraction of all.
 double DifferentPixelFraction(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b, int tolerance);
 
-// The threads of this process, from /proc/self/task.
+// The threads of this process, from /proc/self/task (a sanitizer's own background thread included
+// from the first call on).
 int CountThreads();
 
 }  // namespace BR::Test
