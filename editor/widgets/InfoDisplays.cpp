@@ -9,8 +9,14 @@
 #include <cstdio>
 
 #include "editor/GuiFont.h"
+#include "framework/ActiveParameter.h"
+#include "framework/InstanceRegistry.h"
 #include "modules/events/Follower.h"
+#include "modules/events/Learner.h"
+#include "modules/events/LearnerTable.h"
 #include "modules/sequencing/Quantizer.h"
+#include "remote/OSCHelper.h"
+#include "remote/RemoteServices.h"
 
 namespace BR {
 
@@ -213,17 +219,125 @@ void LearnerInfoDisplay::DrawIntoPanel(GuiFont* font) {
     font->Render("OSC Message History", x + 350, y);
 }
 
+namespace {
+// A module's name and its two numbers, " %d (%d)": "Corvane DC 1 (2)". Caller holds the registry lock;
+// empty when the instance is no longer registered (its pointer is then never followed).
+std::string InstanceName(BrelCorvaneBase* instance) {
+    uint32_t localId = 0, globalId = 0;
+    if (!instance || !InstanceRegistry::GetInstanceIds(instance, localId, globalId)) return "";
+    char numbers[32];
+    std::snprintf(numbers, sizeof numbers, " %d (%d)", int(localId), int(globalId));
+    return std::string(instance->GetModuleName()) + numbers;
+}
+
+// One message of the learn hub's ring: controllers show number and value glued to "CC", the others
+// their first data byte. Channels count from 1.
+std::string MidiText(const BrelCorvaneLearner::RecentMessage& m) {
+    const char* kind;
+    switch (m.status & 0xF0) {
+        case 0x80:
+            kind = "Note Off";
+            break;
+        case 0x90:
+            kind = "Note";
+            break;
+        case 0xA0:
+            kind = "PP";
+            break;
+        case 0xB0:
+            kind = "CC";
+            break;
+        case 0xC0:
+            kind = "PC";
+            break;
+        case 0xD0:
+            kind = "CP";
+            break;
+        case 0xE0:
+            kind = "PB";
+            break;
+        default:
+            kind = "?";
+            break;
+    }
+    char text[64];
+    if ((m.status & 0xF0) == 0xB0) {
+        std::snprintf(text, sizeof text, " : Ch%d %s%d %d", int(m.channel & 15) + 1, kind, int(m.dataByte1),
+                      int(m.dataByte2));
+    } else {
+        std::snprintf(text, sizeof text, " : Ch%d %s %d", int(m.channel & 15) + 1, kind, int(m.dataByte1));
+    }
+    return text;
+}
+
+std::string Bounded(std::string text) {
+    if (text.size() > LearnerInfoDisplay::kMaxText) text.resize(LearnerInfoDisplay::kMaxText);
+    return text;
+}
+}  // namespace
+
+LearnerLines LearnerInfoDisplay::BuildLines(BrelCorvaneBase* learner) {
+    LearnerLines lines;
+    {
+        // The touched instance may be closed by now: the registry, under its lock, says whether it
+        // still stands before anything of it is read.
+        std::lock_guard<std::recursive_mutex> guard(InstanceRegistry::Lock());
+        BrelCorvaneBase* instance = nullptr;
+        int32_t parameter = -1;
+        GetActiveParameter(instance, parameter);
+        const std::string name = InstanceName(instance);
+        if (!name.empty() && parameter >= 0 && parameter < instance->NumTableParameters()) {
+            using namespace BrelCorvaneLearner;
+            const int32_t forms[3] = {kSendShort, kSendCompact, kSendLong};
+            for (int k = 0; k < 3; ++k) {
+                char path[256];
+                if (BuildPath(instance, parameter, forms[k], path, sizeof path))
+                    lines.paths[k] = Bounded(path);
+            }
+            lines.active = Bounded(name + " " + instance->ParameterTable()[parameter].name);
+        }
+        for (int k = 0; k < LearnerLines::kRows; ++k) {
+            const BrelCorvaneLearner::RecentMessage m =
+                BrelCorvaneLearner::RecentMessageAt(LearnerLines::kRows - 1 - k);
+            if (!m.source) continue;
+            lines.midi[k] = Bounded(InstanceName(m.source) + MidiText(m));
+        }
+    }
+    // The OSC ring: the newest at the running index, so the oldest is the one after it. Its strings are
+    // copied under the server's own short history lock (an unlocked copy of a string being reassigned
+    // could follow a freed buffer), then cut to a bounded length.
+    OSCHelper* osc = learner ? OSCHelperOf(*learner) : nullptr;
+    if (osc) {
+        const int32_t newest = osc->MessageHistoryIndex();
+        for (int k = 0; k < LearnerLines::kRows; ++k)
+            lines.osc[k] = Bounded(osc->MessageHistory((newest + 1 + k) % OSCHelper::kHistorySize));
+    }
+    return lines;
+}
+
 void LearnerInfoDisplay::Draw() {
     if (!visible) return;
     GuiFont* font = ReadyFont(manager);
     if (!font) return;
-    // Only a row of this editor's own module is named: another instance may be gone by now.
-    const int32_t row = gTouchedParameter.load();
-    const bool own = gTouchedModule.load() == manager->module && row >= 0 && row < manager->NumParameters();
-    active.SetText(font, own ? manager->ParameterInfo(row).name : "");
+    const LearnerLines lines = BuildLines(manager->module);
     const float line = font->Ascender() - font->Descender();
+    const float x = rect[0] + 10, top = rect[4];
     glColor4f(0.9f, 0.9f, 0.9f, 1.0f);
-    active.DrawAt(rect[0] + 160, rect[4] - 5.5f * line);
+    // Beside the captions, 150 px right of them: the three paths on rows 1 to 3, the parameter 2.5 rows
+    // below; the two histories on the five rows under their captions (7 rows down).
+    for (int k = 0; k < 3; ++k) {
+        paths[k].SetText(font, lines.paths[k].c_str());
+        paths[k].DrawAt(x + 150, top - float(k + 1) * line);
+    }
+    active.SetText(font, lines.active.c_str());
+    active.DrawAt(x + 150, top - 5.5f * line);
+    for (int k = 0; k < LearnerLines::kRows; ++k) {
+        const float y = top - (8.0f + float(k)) * line;
+        midi[k].SetText(font, lines.midi[k].c_str());
+        midi[k].DrawAt(x, y);
+        osc[k].SetText(font, lines.osc[k].c_str());
+        osc[k].DrawAt(x + 350, y);
+    }
 }
 
 }  // namespace BR

@@ -73,13 +73,28 @@ public:
     std::vector<float> strip;
 };
 
-// The Learner's captions, drawn once into the panel, and the name of the parameter last touched.
+// What the Learner's display shows beside and below its captions.
+struct LearnerLines {
+    static constexpr int kRows = 5;
+    std::string paths[3];     // short, compact and long OSC path of the parameter last touched
+    std::string active;       // "Corvane DC 1 (2) Output +": its module, numbers and name
+    std::string midi[kRows];  // the learn hub's last MIDI messages, oldest first
+    std::string osc[kRows];   // `learner`'s OSC server's last messages, oldest first
+};
+
+// The Learner's captions, drawn once into the panel, and the parameter last touched in any instance
+// with its three paths, the last MIDI messages any instance gave the learn hub and the last OSC
+// messages of the Learner's own server.
 class LearnerInfoDisplay : public ModuleDisplay {
 public:
     explicit LearnerInfoDisplay(Manager* manager);
     void DrawIntoPanel(GuiFont* font) override;
     void Draw() override;
-    StaticText active;
+    // The texts of one frame. Each is cut at kMaxText bytes: rings rewritten by other threads are read
+    // with a bounded length.
+    static LearnerLines BuildLines(BrelCorvaneBase* learner);
+    static constexpr size_t kMaxText = 120;
+    StaticText paths[3], active, midi[LearnerLines::kRows], osc[LearnerLines::kRows];
 };
 
 }  // namespace BR
