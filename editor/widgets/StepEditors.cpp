@@ -282,6 +282,24 @@ void RandomRegisterEditor::MouseUp(Point, uint32_t) {
     pressStep = lastStep = -1;
 }
 
+int32_t RandomRegisterEditor::CellLevel(uint64_t bits, int32_t cell) {
+    return cell >= 0 && cell < kCells && ((bits >> cell) & 1u) ? 255 : 0;
+}
+
+int32_t RandomRegisterEditor::BuildRow(uint64_t bits, float x, float y, float width, float height,
+                                       std::array<float, 2 * kMaxRowVertices>& out) {
+    const float cell = width * 0.020833334f;  // 1/48
+    int32_t count = 0;
+    for (int32_t i = 0; i < kCells && count + 2 <= kMaxRowVertices; ++i) {
+        const float level = y + height * float(CellLevel(bits, i)) * (1.0f / 255.0f);
+        out[size_t(2 * count)] = x + float(i) * cell, out[size_t(2 * count + 1)] = level;
+        ++count;
+        out[size_t(2 * count)] = x + float(i + 1) * cell, out[size_t(2 * count + 1)] = level;
+        ++count;
+    }
+    return count;
+}
+
 void RandomRegisterEditor::Draw() {
     if (!visible) return;
     glEnable(GL_BLEND);
@@ -291,12 +309,21 @@ void RandomRegisterEditor::Draw() {
     const auto* status = StepStatus(manager);
     const uint64_t bits = status ? status->registerBits[id & 1] : 0;
     const float cell = Width() * 0.020833334f;
+    const float height = rect[4] - rect[1] - 2;
     glColor4fv(fillColour);
-    for (int i = 0; i < 48; ++i)
-        if ((bits >> i) & 1u)
+    for (int i = 0; i < kCells; ++i) {
+        const int32_t level = CellLevel(bits, i);
+        if (level > 0)
             glRectf(rect[0] + float(i) * cell + 1, rect[1] + 1, rect[0] + float(i + 1) * cell - 1,
-                    rect[4] - 1);
+                    rect[1] + 1 + height * float(level) * (1.0f / 255.0f));
+    }
+    // The cells' levels as one stepped line, one vertex array call.
+    const int32_t count = BuildRow(bits, rect[0], rect[1] + 1, Width(), height, rowVertices);
     glColor4fv(lineColour);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(2, GL_FLOAT, 0, rowVertices.data());
+    glDrawArrays(GL_LINE_STRIP, 0, GLsizei(count));
+    glDisableClientState(GL_VERTEX_ARRAY);
     glBegin(GL_LINE_LOOP);
     glVertex2f(rect[0] + 0.5f, rect[1] + 0.5f), glVertex2f(rect[3] - 0.5f, rect[1] + 0.5f);
     glVertex2f(rect[3] - 0.5f, rect[4] - 0.5f), glVertex2f(rect[0] + 0.5f, rect[4] - 0.5f);

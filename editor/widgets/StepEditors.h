@@ -2,6 +2,7 @@
 // paints values into every step it crosses; each step stays an ordinary host parameter.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -102,12 +103,21 @@ public:
     void MouseUp(Point point, uint32_t modifiers) override;
     int32_t StepAt(Point point) const;
     void Write(int32_t step, int32_t operation);
+    // A cell's level, 0 to 255: a set bit of the register stands at full height.
+    static int32_t CellLevel(uint64_t bits, int32_t cell);
+    // The row's stepped outline in the box (x, y, width, height): two vertices per cell, at the
+    // cell's level scaled from 0 to 255 over the height, kMaxRowVertices at most. Returns the count.
+    static constexpr int32_t kCells = 48;
+    static constexpr int32_t kMaxRowVertices = 96;
+    static int32_t BuildRow(uint64_t bits, float x, float y, float width, float height,
+                            std::array<float, 2 * kMaxRowVertices>& out);
 
     int32_t id;
     int32_t pressStep = -1, lastStep = -1;
     float backgroundColour[4] = {0.5f, 0.5f, 0.5f, 1.0f};
     float fillColour[4] = {1.0f, 1.0f, 1.0f, 1.0f};
     float lineColour[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+    std::array<float, 2 * kMaxRowVertices> rowVertices{};
 };
 
 }  // namespace BR
