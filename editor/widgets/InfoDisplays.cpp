@@ -147,7 +147,14 @@ void FollowerEnvDisplay::Animate() {
     const auto& status = block->As<BrelCorvaneFollower::FollowerStatus>();
     const float level = std::clamp(status.level, 0.0f, 1.0f);
     peak = std::max(level, peak * 0.98f);
-    position = (position + 1) % kLength;
+    if (++position >= kLength) {
+        // At the wrap the last entry becomes the first, so that the line runs on without a gap; the
+        // new sweep writes from entry 1.
+        levelRing[0] = levelRing[kLength - 1];
+        envelopeRing[0] = envelopeRing[kLength - 1];
+        peakRing[0] = peakRing[kLength - 1];
+        position = 1;
+    }
     levelRing[size_t(position)] = level;
     envelopeRing[size_t(position)] = std::clamp(status.envelope, 0.0f, 1.0f);
     peakRing[size_t(position)] = peak;
