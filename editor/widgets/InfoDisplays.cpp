@@ -186,7 +186,10 @@ void FollowerPitchDisplay::Animate() {
     ModuleStatusBlock* block = StatusBlock();
     if (!block) return;
     const auto& status = block->As<BrelCorvaneFollower::FollowerStatus>();
-    position = (position + 1) % kLength;
+    if (++position >= kLength) {
+        ring[0] = ring[kLength - 1];  // as the level history: the line runs on across the wrap
+        position = 1;
+    }
     ring[size_t(position)] = AxisPosition(status.noPitch ? 0.0f : status.frequency);
 }
 

@@ -1,5 +1,6 @@
 // The Follower's level history: each frame writes the clamped level, envelope and peak at the next ring
-// entry; at the wrap the last entry is copied to the first so that the line runs on without a gap.
+// entry; at the wrap the last entry is copied to the first so that the line runs on without a gap. The
+// pitch history's one ring does the same.
 #include <gtest/gtest.h>
 
 #include "editor/ZPmanager.h"
@@ -39,6 +40,27 @@ TEST(FollowerEnvRing, LastEntryCopiedToFirstAtWrap) {
     EXPECT_FLOAT_EQ(display.levelRing[1], 1.0f);
     EXPECT_FLOAT_EQ(display.envelopeRing[1], 0.0f);
     EXPECT_FLOAT_EQ(display.peakRing[1], 1.0f);
+}
+
+TEST(FollowerEnvRing, PitchHistoryWrapsTheSameWay) {
+    auto driver = MakeDriver("follower");
+    ZPmanager manager(&driver->Module());
+    FollowerPitchDisplay display(&manager);
+    ModuleStatusBlock* block = nullptr;
+    ASSERT_EQ(driver->Module().GetProperty(kPropertyStatusBlock, &block), kNoErr);
+    auto& status = block->As<BrelCorvaneFollower::FollowerStatus>();
+    constexpr int n = FollowerPitchDisplay::kLength;
+    status.noPitch = 0;
+    status.frequency = 500.0f;  // half way up the axis
+    for (int k = 1; k < n; ++k)
+        display.Animate();
+    EXPECT_EQ(display.position, n - 1);
+    EXPECT_FLOAT_EQ(display.ring[0], 0.0f);
+    status.noPitch = 1;  // the new sweep starts at the bottom
+    display.Animate();
+    EXPECT_EQ(display.position, 1);
+    EXPECT_NEAR(display.ring[0], 0.5f, 1e-5f);
+    EXPECT_FLOAT_EQ(display.ring[1], 0.0f);
 }
 
 }  // namespace BR::Test
