@@ -5,6 +5,7 @@
 #include <GL/glew.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 
@@ -329,7 +330,13 @@ void LearnerInfoDisplay::Draw() {
     if (!visible) return;
     GuiFont* font = ReadyFont(manager);
     if (!font) return;
-    const LearnerLines lines = BuildLines(manager->module);
+    const int64_t now = std::chrono::duration_cast<std::chrono::milliseconds>(
+                            std::chrono::steady_clock::now().time_since_epoch())
+                            .count();
+    if (lastBuildMilliseconds < 0 || now - lastBuildMilliseconds >= kRebuildMilliseconds) {
+        lines = BuildLines(manager->module);
+        lastBuildMilliseconds = now;
+    }
     const float line = font->Ascender() - font->Descender();
     const float x = rect[0] + 10, top = rect[4];
     glColor4f(0.9f, 0.9f, 0.9f, 1.0f);

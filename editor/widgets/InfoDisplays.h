@@ -94,6 +94,11 @@ public:
     // with a bounded length.
     static LearnerLines BuildLines(BrelCorvaneBase* learner);
     static constexpr size_t kMaxText = 120;
+    // The texts are rebuilt ten times a second, not every frame: the touched parameter and the learn
+    // hub's ring are read under the instance registry's lock, which the audio threads' MIDI takes too.
+    static constexpr int64_t kRebuildMilliseconds = 100;
+    int64_t lastBuildMilliseconds = -1;
+    LearnerLines lines;
     StaticText paths[3], active, midi[LearnerLines::kRows], osc[LearnerLines::kRows];
 };
 

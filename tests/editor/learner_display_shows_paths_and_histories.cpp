@@ -10,6 +10,7 @@
 #include <cstring>
 #include <thread>
 
+#include "editor/PanelScreenshot.h"
 #include "editor/ZPmanager.h"
 #include "editor/widgets/InfoDisplays.h"
 #include "framework/InstanceRegistry.h"
@@ -18,6 +19,7 @@
 #include "modules/events/LearnerTable.h"
 #include "remote/OSCHelper.h"
 #include "remote/RemoteServices.h"
+#include "support/EditorRig.h"
 #include "tests/support/Render.h"
 
 namespace BR::Test {
@@ -150,6 +152,53 @@ TEST(LearnerInfoDisplay, LongOscMessagesAreCutToABoundedLength) {
     const LearnerLines lines = LearnerInfoDisplay::BuildLines(&learner->Module());
     // The server's text form is "[/aaa...]"; the display keeps its first kMaxText bytes.
     EXPECT_EQ(lines.osc[4], "[" + address.substr(0, LearnerInfoDisplay::kMaxText - 1));
+}
+
+namespace {
+// Pixels of the values' grey 0.9 (the captions are 0.7) in columns x0..x1 and rows y0..y1 from the top.
+int BrightPixels(const PanelPicture& picture, int x0, int x1, int y0, int y1) {
+    int count = 0;
+    for (int y = y0; y <= y1; ++y)
+        for (int x = x0; x <= x1; ++x) {
+            const uint8_t* p = &picture.rgb[size_t((y * picture.width + x) * 3)];
+            if (p[0] > 200 && p[1] > 200 && p[2] > 200) ++count;
+        }
+    return count;
+}
+}  // namespace
+
+// Drawn: the touched parameter's paths stand 150 px right of the captions (x 10), on the first three
+// rows; nothing is drawn there before any parameter was touched in a live instance.
+TEST(LearnerInfoDisplay, PathsDrawn150PxRightOfTheCaptions) {
+    ASSERT_NE(SharedDisplay(), nullptr);
+    auto learner = MakeDriver("learner");
+    auto draw = [&] {
+        ZPmanager manager(&learner->Module());
+        manager.SetDesignSize(600, 300);
+        manager.SetBannerBounds(0, 0, 0, 0);
+        auto* display = new LearnerInfoDisplay(&manager);
+        display->SetRect(0, 0, 600, 300);
+        manager.rootGroup->Add(display);
+        return RenderManager(manager, SharedDisplay(), 4);
+    };
+    {
+        auto dc = MakeDriver("dc");
+        ZPmanager toucher(&dc->Module());
+        toucher.BeginParameterEdit(0);
+        toucher.EndParameterEdit(0);
+        dc.reset();  // gone again: its paths are no longer shown
+    }
+    const PanelPicture none = draw();
+    ASSERT_FALSE(none.rgb.empty()) << none.error;
+    EXPECT_EQ(BrightPixels(none, 160, 590, 0, 60), 0);
+
+    ZPmanager toucher(&learner->Module());
+    toucher.BeginParameterEdit(1);
+    toucher.EndParameterEdit(1);
+    const PanelPicture touched = draw();
+    ASSERT_FALSE(touched.rgb.empty()) << touched.error;
+    EXPECT_GT(BrightPixels(touched, 160, 590, 0, 60), 50);
+    EXPECT_EQ(BrightPixels(touched, 0, 150, 0, 60), 0);
 }
 
 }  // namespace BR::Test
