@@ -2,6 +2,9 @@
 // no heap allocation on the audio thread, and the listener gets each value posted.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "CVToOSCRig.h"
 #include "tests/support/AllocationCounter.h"
 
@@ -20,9 +23,17 @@ TEST(CVToOSCRealtime, RenderAllocatesNothing) {
     float* outputs[2] = {outL.data(), outR.data()};
     const float* inputs[2] = {l.data(), r.data()};
     rig.driver->Process(inputs, outputs, block, nullptr, 0);
-    // Read while the render runs, so that the socket's buffer never drops a packet.
+    // Read while the render runs, counting arrivals, so that the render can wait for the reader: a
+    // loopback socket's default buffer holds about 256 such packets, and a slow reader (a sanitizer
+    // build on a busy machine) would otherwise see the kernel drop the rest.
     std::vector<std::string> received;
-    std::thread reader([&] { received = listener.ReceiveAll(1000); });
+    std::atomic<int> arrived{0};
+    std::thread reader([&] {
+        for (std::string text = listener.Receive(1000); !text.empty(); text = listener.Receive(1000)) {
+            received.push_back(text);
+            arrived.fetch_add(1, std::memory_order_release);
+        }
+    });
     int posted = 0;
     {
         AllocationScope scope;
@@ -43,6 +54,10 @@ TEST(CVToOSCRealtime, RenderAllocatesNothing) {
                        BR::OSCSender::kEntries;
             };
             for (int wait = 0; held() > BR::OSCSender::kEntries / 2 && wait < 2000; ++wait)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            // And while more than 64 packets sent are not read yet (those still in the ring count
+            // as sent here, which only makes the wait longer).
+            for (int wait = 0; posted - arrived.load(std::memory_order_acquire) > 64 && wait < 2000; ++wait)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         EXPECT_EQ(scope.Count(), 0u);
