@@ -29,36 +29,33 @@ void Render(benchmark::State& state, BR::Bench::ModuleRig& rig, uint32_t block) 
     SetRate(state, block);
 }
 
+// Both lanes free at 200 steps a second, interpolated, lane L drawing random steps; with or without
+// the signal inputs their rows read by default ("Signal Input" 1 and 2, added to the steps).
+void FreeLanes(BR::HostDriver& driver, bool signalInputs) {
+    Steps(driver);
+    for (const char* lane : {"L", "R"}) {
+        const std::string s = lane;
+        driver.SetParameterByName("Sync " + s, 0.0f);
+        driver.SetParameterByName("Speed " + s, 20.0f);
+        driver.SetParameterByName("Speed Multiplier " + s, 2.0f);
+        driver.SetParameterByName("Interpolation " + s, 1.0f);
+        if (!signalInputs) driver.SetParameterByName("Signal Input " + s, 0.0f);
+    }
+    driver.SetParameterByName("Random Enable L", 1.0f);
+}
+
 void BM_StepLFOFree(benchmark::State& state) {
     const uint32_t block = uint32_t(state.range(0));
     BR::Bench::ModuleRig rig("steplfo", block);
-    Steps(*rig.driver);
-    for (const char* lane : {"L", "R"}) {
-        const std::string s = lane;
-        rig.driver->SetParameterByName("Sync " + s, 0.0f);
-        rig.driver->SetParameterByName("Speed " + s, 20.0f);
-        rig.driver->SetParameterByName("Speed Multiplier " + s, 2.0f);  // 200 steps a second
-        rig.driver->SetParameterByName("Interpolation " + s, 1.0f);
-    }
-    rig.driver->SetParameterByName("Random Enable L", 1.0f);
+    FreeLanes(*rig.driver, true);
     Render(state, rig, block);
 }
 
-// The same free lanes without the signal inputs their rows read by default ("Signal Input" 1 and 2,
-// added to the steps): the job BM_PlainLoop does, which reads no input.
+// The free lanes without their signal inputs: the job BM_PlainLoop does, which reads no input.
 void BM_StepLFOFreeNoInput(benchmark::State& state) {
     const uint32_t block = uint32_t(state.range(0));
     BR::Bench::ModuleRig rig("steplfo", block);
-    Steps(*rig.driver);
-    for (const char* lane : {"L", "R"}) {
-        const std::string s = lane;
-        rig.driver->SetParameterByName("Sync " + s, 0.0f);
-        rig.driver->SetParameterByName("Speed " + s, 20.0f);
-        rig.driver->SetParameterByName("Speed Multiplier " + s, 2.0f);
-        rig.driver->SetParameterByName("Interpolation " + s, 1.0f);
-        rig.driver->SetParameterByName("Signal Input " + s, 0.0f);
-    }
-    rig.driver->SetParameterByName("Random Enable L", 1.0f);
+    FreeLanes(*rig.driver, false);
     Render(state, rig, block);
 }
 
