@@ -137,6 +137,15 @@ void BrelCorvane::HandleTriggerReset(int lane, bool trigger, bool reset) {
     }
 }
 
+inline void BrelCorvane::PublishStatus() {
+    StepLFOStatus& shown = status.As<StepLFOStatus>();
+    for (int lane = 0; lane < kNumLanes; ++lane) {
+        shown.displayPosition[lane] = lanes[lane].displayPosition;
+        shown.currentStep[lane] = lanes[lane].currentStep;
+        shown.registerBits[lane] = lanes[lane].random.registerBits;
+    }
+}
+
 void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames) {
     ApplyEdits();
     const int32_t n = lineCount;
@@ -197,6 +206,29 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
         for (int lane = 0; lane < kNumLanes; ++lane)
             RenderLane(lane, inputs, outputs, rendered, frames - rendered);
     PublishStatus();
+}
+
+inline void BrelCorvane::RenderStanding(int lane, const float* x, float* out, uint32_t frames) {
+    const LaneSettings& c = settings[lane];
+    const LaneState& st = lanes[lane];
+    const float* steps = stepValues[lane];
+    // The step values are read again at each pass, as the step loop does: a step set meanwhile shows.
+    const float within = st.standingWithin;
+    const float first = steps[st.standingStep];
+    float v = first;
+    if (c.linear) v += (steps[st.standingNext] - first) * within;
+    v = std::max(v, c.bipolar ? -1e6f : 0.0f);
+    if (within > c.gateLength) v = 0.0f;
+    v = v * c.multiplier + c.offset;
+    const float stepGain = c.stepGain, inputGain = c.inputGain, productGain = c.productGain;
+    if (x) {
+        for (uint32_t j = 0; j < frames; ++j)
+            out[j] = v * stepGain + x[j] * inputGain + v * x[j] * productGain;
+    } else {
+        const float in = 0.0f;
+        BR::FillSamples(out, frames, v * stepGain + in * inputGain + v * in * productGain);
+    }
+    inStepSamples += frames;
 }
 
 void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames) {
@@ -265,29 +297,6 @@ void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t fra
     } else {
         StepLoop<false, false>(lane, x, out, frames);
     }
-}
-
-void BrelCorvane::RenderStanding(int lane, const float* x, float* out, uint32_t frames) {
-    const LaneSettings& c = settings[lane];
-    const LaneState& st = lanes[lane];
-    const float* steps = stepValues[lane];
-    // The step values are read again at each pass, as the step loop does: a step set meanwhile shows.
-    const float within = st.standingWithin;
-    const float first = steps[st.standingStep];
-    float v = first;
-    if (c.linear) v += (steps[st.standingNext] - first) * within;
-    v = std::max(v, c.bipolar ? -1e6f : 0.0f);
-    if (within > c.gateLength) v = 0.0f;
-    v = v * c.multiplier + c.offset;
-    const float stepGain = c.stepGain, inputGain = c.inputGain, productGain = c.productGain;
-    if (x) {
-        for (uint32_t j = 0; j < frames; ++j)
-            out[j] = v * stepGain + x[j] * inputGain + v * x[j] * productGain;
-    } else {
-        const float in = 0.0f;
-        BR::FillSamples(out, frames, v * stepGain + in * inputGain + v * in * productGain);
-    }
-    inStepSamples += frames;
 }
 
 template <bool kInput, bool kLinear>
@@ -425,15 +434,6 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
     st.increment = increment;
     st.currentStep = current;
     st.displayPosition = float(start) + u * float(count);
-}
-
-void BrelCorvane::PublishStatus() {
-    StepLFOStatus& shown = status.As<StepLFOStatus>();
-    for (int lane = 0; lane < kNumLanes; ++lane) {
-        shown.displayPosition[lane] = lanes[lane].displayPosition;
-        shown.currentStep[lane] = lanes[lane].currentStep;
-        shown.registerBits[lane] = lanes[lane].random.registerBits;
-    }
 }
 
 }  // namespace BrelCorvaneStepLFO
