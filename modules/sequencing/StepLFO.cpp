@@ -290,7 +290,6 @@ double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double positi
     LaneSettings& c = settings[lane];
     LaneState& st = lanes[lane];
     LaneRows& rows = laneRows[lane];
-    st.standing = false;
 
     const double swingBeat = rows.swingBeat;
     const float swing = rows.swing;
