@@ -184,6 +184,8 @@ private:
     void ApplyEdits();
     void HandleTriggerReset(int lane, bool trigger, bool reset);
     void RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames);
+    // A lane's pass under swing: cut at the swing's boundaries, each part at its own speed.
+    void RenderSwung(int lane, const float* x, float* out, uint32_t frames);
     void RenderSteps(int lane, const float* x, float* out, uint32_t frames);
     // A pass of a standing lane: the step loop's first sample, which meets no boundary, for them all.
     void RenderStanding(int lane, const float* x, float* out, uint32_t frames);

@@ -164,6 +164,81 @@ inline void BrelCorvane::PublishStatus() {
     }
 }
 
+inline void BrelCorvane::RenderStanding(int lane, const float* x, float* out, uint32_t frames) {
+    const LaneSettings& c = settings[lane];
+    const LaneState& st = lanes[lane];
+    const float* steps = stepValues[lane];
+    // The step values are read again at each pass, as the step loop does: a step set meanwhile shows.
+    const float within = st.standingWithin;
+    const float first = steps[st.standingStep];
+    float v = first;
+    if (c.linear) v += (steps[st.standingNext] - first) * within;
+    v = std::max(v, c.bipolar ? -1e6f : 0.0f);
+    if (within > c.gateLength) v = 0.0f;
+    v = v * c.multiplier + c.offset;
+    const float stepGain = c.stepGain, inputGain = c.inputGain, productGain = c.productGain;
+    if (x) {
+        MixInput(out, x, frames, v, stepGain, inputGain, productGain);
+    } else {
+        const float in = 0.0f;
+        BR::FillSamples(out, frames, v * stepGain + in * inputGain + v * in * productGain);
+    }
+    inStepSamples += frames;
+}
+
+void BrelCorvane::RenderSwung(int lane, const float* x, float* out, uint32_t frames) {
+    // Cut at the swing boundaries: the long part of each swing period runs slower, the short one faster.
+    LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const double amount = c.swingAmount, period = c.swingPeriod;
+    double swingPhase = c.swingPhase;
+    double increment = st.increment;
+    uint32_t done = 0;
+    while (done < frames) {
+        int64_t k;
+        double w;
+        if (swingPhase >= amount) {
+            k = int64_t((1.0 - swingPhase) * period + 1.0);
+            w = 1.0 - amount;
+        } else {
+            k = int64_t((amount - swingPhase) * period + 1.0);
+            w = amount;
+        }
+        const uint32_t m = uint32_t(std::clamp<int64_t>(k, 1, frames - done));
+        st.increment = increment * 0.5 / w;
+        RenderSteps(lane, x ? x + done : nullptr, out + done, m);
+        if (st.increment == 0.0) increment = 0.0;  // a triggered lane stopped at a step boundary
+        swingPhase += m / period;
+        if (swingPhase >= 1.0) swingPhase -= 1.0;
+        done += m;
+    }
+    st.increment = increment;
+    // A later sub-block of this host block goes on from here. Starting each sub-block from the
+    // position read at the block's start would replay the swing period already rendered, and the
+    // steps would move with the MIDI events and input edges that cut the block.
+    c.swingPhase = swingPhase;
+}
+
+inline void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t from,
+                                    uint32_t frames) {
+    if (frames == 0) return;
+    const LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const float* x = c.signalInput ? inputs[c.signalInput - 1] + from : nullptr;
+    float* out = outputs[lane] + from;
+    if (c.swingAmount >= 0.0f) {
+        RenderSwung(lane, x, out, frames);
+    } else if (Stands(st)) {
+        RenderStanding(lane, x, out, frames);
+    } else {
+        RenderSteps(lane, x, out, frames);
+    }
+    st.smoother.Process(out, int32_t(frames));
+    // Back into [0, 1). Inside (0, 1) that subtracts 0 and changes nothing; the library's floor is a
+    // call on this target, so it runs only for the rest (a zero included: 0 - floor(0) is +0).
+    if (!(st.phase > 0.0 && st.phase < 1.0)) st.phase -= std::floor(st.phase);
+}
+
 void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames) {
     ApplyEdits();
     const int32_t n = lineCount;
@@ -224,77 +299,6 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
         for (int lane = 0; lane < kNumLanes; ++lane)
             RenderLane(lane, inputs, outputs, rendered, frames - rendered);
     PublishStatus();
-}
-
-inline void BrelCorvane::RenderStanding(int lane, const float* x, float* out, uint32_t frames) {
-    const LaneSettings& c = settings[lane];
-    const LaneState& st = lanes[lane];
-    const float* steps = stepValues[lane];
-    // The step values are read again at each pass, as the step loop does: a step set meanwhile shows.
-    const float within = st.standingWithin;
-    const float first = steps[st.standingStep];
-    float v = first;
-    if (c.linear) v += (steps[st.standingNext] - first) * within;
-    v = std::max(v, c.bipolar ? -1e6f : 0.0f);
-    if (within > c.gateLength) v = 0.0f;
-    v = v * c.multiplier + c.offset;
-    const float stepGain = c.stepGain, inputGain = c.inputGain, productGain = c.productGain;
-    if (x) {
-        MixInput(out, x, frames, v, stepGain, inputGain, productGain);
-    } else {
-        const float in = 0.0f;
-        BR::FillSamples(out, frames, v * stepGain + in * inputGain + v * in * productGain);
-    }
-    inStepSamples += frames;
-}
-
-void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames) {
-    if (frames == 0) return;
-    LaneSettings& c = settings[lane];
-    LaneState& st = lanes[lane];
-    const float* x = c.signalInput ? inputs[c.signalInput - 1] + from : nullptr;
-    float* out = outputs[lane] + from;
-
-    if (c.swingAmount < 0.0f) {
-        if (Stands(st)) {
-            RenderStanding(lane, x, out, frames);
-        } else {
-            RenderSteps(lane, x, out, frames);
-        }
-    } else {
-        // Cut at the swing boundaries: the long part of each swing period runs slower, the short one faster.
-        const double amount = c.swingAmount, period = c.swingPeriod;
-        double swingPhase = c.swingPhase;
-        double increment = st.increment;
-        uint32_t done = 0;
-        while (done < frames) {
-            int64_t k;
-            double w;
-            if (swingPhase >= amount) {
-                k = int64_t((1.0 - swingPhase) * period + 1.0);
-                w = 1.0 - amount;
-            } else {
-                k = int64_t((amount - swingPhase) * period + 1.0);
-                w = amount;
-            }
-            const uint32_t m = uint32_t(std::clamp<int64_t>(k, 1, frames - done));
-            st.increment = increment * 0.5 / w;
-            RenderSteps(lane, x ? x + done : nullptr, out + done, m);
-            if (st.increment == 0.0) increment = 0.0;  // a triggered lane stopped at a step boundary
-            swingPhase += m / period;
-            if (swingPhase >= 1.0) swingPhase -= 1.0;
-            done += m;
-        }
-        st.increment = increment;
-        // A later sub-block of this host block goes on from here. Starting each sub-block from the
-        // position read at the block's start would replay the swing period already rendered, and the
-        // steps would move with the MIDI events and input edges that cut the block.
-        c.swingPhase = swingPhase;
-    }
-    st.smoother.Process(out, int32_t(frames));
-    // Back into [0, 1). Inside (0, 1) that subtracts 0 and changes nothing; the library's floor is a
-    // call on this target, so it runs only for the rest (a zero included: 0 - floor(0) is +0).
-    if (!(st.phase > 0.0 && st.phase < 1.0)) st.phase -= std::floor(st.phase);
 }
 
 void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t frames) {
