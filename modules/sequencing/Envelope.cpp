@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "framework/BrelCorvaneBase.h"
+#include "modules/sequencing/EnvelopeRamp.h"
 
 namespace BR {
 
@@ -332,12 +333,17 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
         if (stage.type == kEnvParabolic) {
             float increment = stage.increment;
             const float coefficient = stage.coefficient;
-            for (uint32_t i = 0; i < n; ++i) {
-                level += increment;
-                increment += coefficient;
-                y[i] = level;
+            if (Bits(increment + coefficient) == Bits(increment)) {
+                // The first difference no longer moves (shape 1, sustain, finished): a straight ramp.
+                RampSamples(level, increment, y, n);
+            } else {
+                for (uint32_t i = 0; i < n; ++i) {
+                    level += increment;
+                    increment += coefficient;
+                    y[i] = level;
+                }
+                stage.increment = increment;
             }
-            stage.increment = increment;
         } else {
             const int32_t entry = cache && n != 0 ? CacheEntryOf(*cache, stage, level) : -1;
             done = entry >= 0 ? RunCached(*cache, entry, stage, level, y, n, ended)
