@@ -173,6 +173,28 @@ void envNoteOff(Envelope& envelope, const EnvParameters& parameters, float sampl
     SetupSegment(envelope, kSegR2, parameters.time[kSegR2] * m, r1, 0.0f, parameters, sampleRate);
 }
 
+void PrepareEnvDisplay(EnvDisplayScale& scale, const EnvParameters& parameters, float sampleRate,
+                       float timeFactor) {
+    // Raw times before the multiplier: the display's axis shows the times as set. Segments at or past
+    // a stage count as done, with sustain's nominal second once the release runs; the samples left in
+    // the stage come off again.
+    float total = 1.0f;
+    for (int32_t s = 0; s < kNumEnvSegments; ++s)
+        total += parameters.time[s];
+    const float perSample = 1.0f / sampleRate / timeFactor;
+    for (int32_t stage = kEnvFinished + 1; stage < kEnvNumStages; ++stage) {
+        float done = 0.0f;
+        for (int32_t s = 0; s < kNumEnvSegments; ++s)
+            if (stage <= kSegmentStage[s]) done += parameters.time[s];
+        if (stage < kEnvSustain) done += 1.0f;
+        scale.doneAtEnd[stage] = done;
+        scale.secondsPerSample[stage] = stage == kEnvSustain ? 0.0f : perSample;
+    }
+    scale.doneAtEnd[kEnvFinished] = 0.0f;
+    scale.secondsPerSample[kEnvFinished] = 0.0f;
+    scale.inverseTotal = 1.0f / total;
+}
+
 void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float sampleRate,
                     EnvDisplayValues& display) {
     const int32_t stage = envelope.stageIndex;
@@ -184,6 +206,7 @@ void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float s
         display.level = 0.0f;
         return;
     }
+    // The position PrepareEnvDisplay's scale gives, worked out from the rows at each call.
     float total = 1.0f, done = 0.0f;
     for (int32_t s = 0; s < kNumEnvSegments; ++s) {
         total += parameters.time[s];
