@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "framework/BrelCorvaneBase.h"
+#include "framework/SampleKernels.h"
 #include "modules/sequencing/EnvelopeRamp.h"
 
 namespace BR {
@@ -334,9 +335,25 @@ uint32_t RunCached(EnvSegmentCache& cache, int32_t k, const EnvStage& stage, flo
     return done + more;
 }
 
-}  // namespace
+// Levels written as they are, or through the output mapping of renderEnvelope's mapped form.
+struct AsLevels {
+    float operator()(float level) const { return level; }
+    void Ramp(float& level, float step, float* y, uint32_t n) const { RampSamples(level, step, y, n); }
+    void After(float*, uint32_t) const {}
+};
 
-void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache) {
+struct AsMapped {
+    float scale, offset;
+    float operator()(float level) const { return level * scale + offset; }
+    void Ramp(float& level, float step, float* y, uint32_t n) const {
+        RampSamplesMapped(level, step, y, n, scale, offset);
+    }
+    // Exponential samples are written as levels first (the segment cache keeps levels), then mapped.
+    void After(float* y, uint32_t n) const { ScaleOffsetSamples(y, n, scale, offset); }
+};
+
+template <typename Map>
+void RenderStages(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache, Map map) {
     float level = envelope.level;
     int32_t index = envelope.stageIndex;
     if (index < kEnvFinished || index >= kEnvNumStages) index = kEnvFinished;
@@ -347,7 +364,7 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
         if (n == 0 && index == kEnvFinished) {
             // The finished stage ran down its counter (after 2^32 - 1 samples). With no stage below
             // it and no samples left, the loop would never write the rest of the block: it holds.
-            std::fill(out + written, out + count, level);
+            FillSamples(out + written, count - written, map(level));
             break;
         }
         float* y = out + written;
@@ -358,12 +375,12 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
             const float coefficient = stage.coefficient;
             if (Bits(increment + coefficient) == Bits(increment)) {
                 // The first difference no longer moves (shape 1, sustain, finished): a straight ramp.
-                RampSamples(level, increment, y, n);
+                map.Ramp(level, increment, y, n);
             } else {
                 for (uint32_t i = 0; i < n; ++i) {
                     level += increment;
                     increment += coefficient;
-                    y[i] = level;
+                    y[i] = map(level);
                 }
                 stage.increment = increment;
             }
@@ -371,6 +388,7 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
             const int32_t entry = cache && n != 0 ? CacheEntryOf(*cache, stage, level) : -1;
             done = entry >= 0 ? RunCached(*cache, entry, stage, level, y, n, ended)
                               : RunExponential(stage, level, y, n, ended);
+            map.After(y, done);
         }
         written += done;
         stage.rendered += done;
@@ -380,6 +398,17 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
     }
     envelope.level = level;
     envelope.stageIndex = index;
+}
+
+}  // namespace
+
+void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache) {
+    RenderStages(envelope, out, count, cache, AsLevels{});
+}
+
+void renderEnvelopeMapped(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache, float scale,
+                          float offset) {
+    RenderStages(envelope, out, count, cache, AsMapped{scale, offset});
 }
 
 }  // namespace BR

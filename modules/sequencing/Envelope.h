@@ -189,5 +189,9 @@ inline void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, 
 // exponential segment ends the output is its target, while `level` keeps the overshot value. With a
 // `cache`, exponential segments that repeat are copied from it (the same samples, bit for bit).
 void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache = nullptr);
+// The same levels, each written as level * scale + offset (a multiply, then an add, each rounded): the
+// bits of renderEnvelope followed by that mapping, in one pass where the samples are made.
+void renderEnvelopeMapped(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache, float scale,
+                          float offset);
 
 }  // namespace BR

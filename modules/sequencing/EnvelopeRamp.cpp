@@ -70,23 +70,48 @@ uint32_t ExactRun(float level, float step, uint32_t limit, float& rounded) {
     return uint32_t(room / perStep);
 }
 
-}  // namespace
+// Writes levels as they are, or mapped.
+struct Unmapped {
+    float operator()(float level) const { return level; }
+#ifdef BR_SAMPLE_SSE2
+    __m128 operator()(__m128 level) const {
+        return level;
+    }
+#endif
+    void Serial(float& level, float step, float* y, uint32_t n) const {
+        RampSamplesSerial(level, step, y, n);
+    }
+};
 
-void RampSamples(float& level, float step, float* y, uint32_t count) {
+struct Mapped {
+    float scale, offset;
+    float operator()(float level) const { return level * scale + offset; }
+#ifdef BR_SAMPLE_SSE2
+    __m128 operator()(__m128 level) const {
+        return _mm_add_ps(_mm_mul_ps(level, _mm_set1_ps(scale)), _mm_set1_ps(offset));
+    }
+#endif
+    void Serial(float& level, float step, float* y, uint32_t n) const {
+        RampSamplesMappedSerial(level, step, y, n, scale, offset);
+    }
+};
+
+template <typename Map>
+void Ramp(float& level, float step, float* y, uint32_t count, Map map) {
     float l = level;
     uint32_t i = 0;
     while (i < count) {
         const uint32_t left = count - i;
         // A level the step no longer moves stays where it is: the sum is a function of the level alone.
         if (Bits(l + step) == Bits(l)) {
-            FillSamples(y + i, left, l);
+            FillSamples(y + i, left, map(l));
             break;
         }
         float r = 0.0f;
         const uint32_t run = left >= kSerialRun ? ExactRun(l, step, left, r) : 0;
         if (run < kSerialRun) {
             const uint32_t n = std::min(left, kSerialRun);
-            RampSamplesSerial(l, step, y + i, n);
+            map.Serial(l, step, y + i, n);
             i += n;
             continue;
         }
@@ -96,16 +121,26 @@ void RampSamples(float& level, float step, float* y, uint32_t count) {
         const __m128 base = _mm_set1_ps(l), stride = _mm_set1_ps(r), four = _mm_set1_ps(4.0f);
         __m128 index = _mm_setr_ps(1.0f, 2.0f, 3.0f, 4.0f);  // whole numbers below 2^24: exact
         for (; k + 4 <= run; k += 4) {
-            _mm_storeu_ps(out + k, _mm_add_ps(base, _mm_mul_ps(index, stride)));
+            _mm_storeu_ps(out + k, map(_mm_add_ps(base, _mm_mul_ps(index, stride))));
             index = _mm_add_ps(index, four);
         }
 #endif
         for (; k < run; ++k)
-            out[k] = l + float(k + 1) * r;
+            out[k] = map(l + float(k + 1) * r);
         l = l + float(run) * r;
         i += run;
     }
     level = l;
+}
+
+}  // namespace
+
+void RampSamples(float& level, float step, float* y, uint32_t count) {
+    Ramp(level, step, y, count, Unmapped{});
+}
+
+void RampSamplesMapped(float& level, float step, float* y, uint32_t count, float scale, float offset) {
+    Ramp(level, step, y, count, Mapped{scale, offset});
 }
 
 }  // namespace BR

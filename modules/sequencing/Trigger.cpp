@@ -230,8 +230,8 @@ void BrelCorvane::RenderTrigger(float* out, uint32_t frames) {
             break;
         }
         case kModeEnvelope: {
-            BR::renderEnvelope(envelope, out, frames, segmentCache.get());
-            BR::ScaleOffsetSamples(out, frames, maxVoltage - minVoltage, minVoltage);
+            BR::renderEnvelopeMapped(envelope, out, frames, segmentCache.get(), maxVoltage - minVoltage,
+                                     minVoltage);
             break;
         }
         case kModeVelocity:
