@@ -7,7 +7,6 @@
 
 #include "framework/BrelCorvaneBase.h"
 #include "framework/SampleKernels.h"
-#include "modules/sequencing/EnvelopeRamp.h"
 
 namespace BR {
 
@@ -338,15 +337,17 @@ uint32_t RunCached(EnvSegmentCache& cache, int32_t k, const EnvStage& stage, flo
 // Levels written as they are, or through the output mapping of renderEnvelope's mapped form.
 struct AsLevels {
     float operator()(float level) const { return level; }
-    void Ramp(float& level, float step, float* y, uint32_t n) const { RampSamples(level, step, y, n); }
+    void Ramp(float& level, float step, float* y, uint32_t n, RampPlan& plan) const {
+        RampSamples(level, step, y, n, &plan);
+    }
     void After(float*, uint32_t) const {}
 };
 
 struct AsMapped {
     float scale, offset;
     float operator()(float level) const { return level * scale + offset; }
-    void Ramp(float& level, float step, float* y, uint32_t n) const {
-        RampSamplesMapped(level, step, y, n, scale, offset);
+    void Ramp(float& level, float step, float* y, uint32_t n, RampPlan& plan) const {
+        RampSamplesMapped(level, step, y, n, scale, offset, &plan);
     }
     // Exponential samples are written as levels first (the segment cache keeps levels), then mapped.
     void After(float* y, uint32_t n) const { ScaleOffsetSamples(y, n, scale, offset); }
@@ -375,7 +376,7 @@ void RenderStages(Envelope& envelope, float* out, uint32_t count, EnvSegmentCach
             const float coefficient = stage.coefficient;
             if (Bits(increment + coefficient) == Bits(increment)) {
                 // The first difference no longer moves (shape 1, sustain, finished): a straight ramp.
-                map.Ramp(level, increment, y, n);
+                map.Ramp(level, increment, y, n, stage.ramp);
             } else {
                 for (uint32_t i = 0; i < n; ++i) {
                     level += increment;

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "modules/sequencing/EnvelopeRamp.h"
+
 class BrelCorvaneBase;
 
 namespace BR {
@@ -45,6 +47,8 @@ struct EnvStage {
     uint32_t rendered = 0;
     int32_t cacheEntry = -1;
     uint32_t cacheGeneration = 0;
+    // A straight parabolic segment's ramp plan, kept from one rendered piece to the next.
+    RampPlan ramp;
 };
 
 // Levels of exponential segments already rendered. An exponential segment is a serial chain,

@@ -35,35 +35,60 @@ float FromBits(uint32_t b) {
     return x;
 }
 
-// How many steps from `level` keep every sum equal to level + k * R (k = 1 .. the result, at most
-// `limit`), with R stored in `rounded`; 0 where the closed form does not hold.
-uint32_t ExactRun(float level, float step, uint32_t limit, float& rounded) {
-    const uint32_t bits = Bits(level);
+// The rounding mode and the flush-to-zero and denormals-are-zero flags: what R may depend on.
+uint32_t ControlWord() {
+#ifdef BR_SAMPLE_SSE2
+    return _mm_getcsr() & 0xE040u;
+#else
+    return 0;
+#endif
+}
+
+// Works out R for the step and the binade of the level whose bits are `bits`.
+void Analyse(RampPlan& plan, uint32_t bits, float step, uint32_t controlWord) {
+    plan.stepBits = Bits(step);
+    plan.levelTop = bits >> 23;
+    plan.controlWord = controlWord;
+    plan.exact = false;
     const int32_t biased = int32_t((bits >> 23) & 0xFFu);
     // Magnitudes of 2^-100 to 2^100 only: every multiple of the grid then stays a normal float (a host's
     // flush-to-zero mode cannot touch it), and nothing nears infinity. Zero and NaN fail here too.
-    if (biased < 127 - 100 || biased > 127 + 100) return 0;
+    if (biased < 127 - 100 || biased > 127 + 100) return;
     const float binade = FromBits(uint32_t(biased) << 23);  // 2^e
     // A step of an eighth of the binade or more crosses it within a few samples (a NaN step fails too).
-    if (!(step < binade * 0.125f && step > -binade * 0.125f)) return 0;
+    if (!(step < binade * 0.125f && step > -binade * 0.125f)) return;
     // step / (u / 2) and R / u by exact powers of two: 2^(24 - e) and 2^(23 - e).
     const float perHalfGrid = FromBits(uint32_t(127 + 24 - (biased - 127)) << 23);
     const float perGrid = FromBits(uint32_t(127 + 23 - (biased - 127)) << 23);
     const float halves = step * perHalfGrid;  // |halves| < 2^22: exact, or underflowing only below 1
     const int32_t wholeHalves = int32_t(halves);
-    if (float(wholeHalves) == halves && (wholeHalves & 1) != 0) return 0;  // a tie
+    if (float(wholeHalves) == halves && (wholeHalves & 1) != 0) return;  // a tie
     // R as the hardware rounds it on this grid (in its present rounding mode): a sum taken in the middle
     // of the binade, where it cannot leave it. The subtraction is exact (both lie in one binade).
-    const float middle = level < 0.0f ? -1.5f * binade : 1.5f * binade;
+    const bool negative = (bits >> 31) != 0;
+    const float middle = negative ? -1.5f * binade : 1.5f * binade;
     const float r = (middle + step) - middle;
-    const int64_t q0 = int64_t((bits & 0x7FFFFFu) | 0x800000u);
-    const int64_t rq = int64_t(r * perGrid);       // exact: R is a multiple of u below 2^21 u
-    const int64_t grow = level < 0.0f ? -rq : rq;  // grid steps towards larger magnitudes
+    const int32_t rq = int32_t(r * perGrid);  // exact: R is a multiple of u below 2^21 u
+    plan.rounded = r;
+    plan.grow = negative ? -rq : rq;  // grid steps towards larger magnitudes
+    plan.exact = true;
+}
+
+// How many steps from `level` keep every sum equal to level + k * R (k = 1 .. the result, at most
+// `limit`), with R stored in `rounded`; 0 where the closed form does not hold.
+uint32_t ExactRun(float level, float step, uint32_t limit, float& rounded, RampPlan& plan) {
+    const uint32_t bits = Bits(level);
+    const uint32_t controlWord = ControlWord();
+    if (plan.stepBits != Bits(step) || plan.levelTop != bits >> 23 || plan.controlWord != controlWord)
+        Analyse(plan, bits, step, controlWord);
+    if (!plan.exact) return 0;
     // Every sum must land in [2^e + u, 2^(e+1) - u]: the exact sum, within u / 2 of it, then lies
     // strictly inside the binade, where the rounding grid is u.
+    const int64_t q0 = int64_t((bits & 0x7FFFFFu) | 0x800000u);
+    const int64_t grow = plan.grow;
     const int64_t room = grow > 0 ? kGridHigh - q0 : q0 - (kGridLow + 1);
     if (room < 0) return 0;
-    rounded = r;
+    rounded = plan.rounded;
     if (grow == 0) return limit;
     const int64_t perStep = grow > 0 ? grow : -grow;
     if (int64_t(limit) * perStep <= room) return limit;
@@ -97,7 +122,9 @@ struct Mapped {
 };
 
 template <typename Map>
-void Ramp(float& level, float step, float* y, uint32_t count, Map map) {
+void Ramp(float& level, float step, float* y, uint32_t count, Map map, RampPlan* kept) {
+    RampPlan local;
+    RampPlan& plan = kept ? *kept : local;
     float l = level;
     uint32_t i = 0;
     while (i < count) {
@@ -108,7 +135,7 @@ void Ramp(float& level, float step, float* y, uint32_t count, Map map) {
             break;
         }
         float r = 0.0f;
-        const uint32_t run = left >= kSerialRun ? ExactRun(l, step, left, r) : 0;
+        const uint32_t run = left >= kSerialRun ? ExactRun(l, step, left, r, plan) : 0;
         if (run < kSerialRun) {
             const uint32_t n = std::min(left, kSerialRun);
             map.Serial(l, step, y + i, n);
@@ -135,12 +162,13 @@ void Ramp(float& level, float step, float* y, uint32_t count, Map map) {
 
 }  // namespace
 
-void RampSamples(float& level, float step, float* y, uint32_t count) {
-    Ramp(level, step, y, count, Unmapped{});
+void RampSamples(float& level, float step, float* y, uint32_t count, RampPlan* plan) {
+    Ramp(level, step, y, count, Unmapped{}, plan);
 }
 
-void RampSamplesMapped(float& level, float step, float* y, uint32_t count, float scale, float offset) {
-    Ramp(level, step, y, count, Mapped{scale, offset});
+void RampSamplesMapped(float& level, float step, float* y, uint32_t count, float scale, float offset,
+                       RampPlan* plan) {
+    Ramp(level, step, y, count, Mapped{scale, offset}, plan);
 }
 
 }  // namespace BR

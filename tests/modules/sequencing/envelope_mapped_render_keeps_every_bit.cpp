@@ -67,14 +67,18 @@ void ExpectSame(const BR::EnvParameters& p, bool withCache) {
                 Render(p, total, piece, false, scale, offset, withCache ? cacheA.get() : nullptr);
             const auto mapped =
                 Render(p, total, piece, true, scale, offset, withCache ? cacheB.get() : nullptr);
-            if (scale != 0.0f) ASSERT_NE(plain[1000], plain[3000]);  // the envelope moves
+            if (scale != 0.0f) {
+                ASSERT_NE(plain[1000], plain[3000]);  // the envelope moves
+            }
             for (uint32_t i = 0; i < total; ++i) {
                 uint32_t a, b;
                 std::memcpy(&a, &plain[i], sizeof a);
                 std::memcpy(&b, &mapped[i], sizeof b);
                 ASSERT_EQ(a, b) << "piece " << piece << " scale " << scale << " sample " << i;
             }
-            if (withCache) EXPECT_GT(cacheB->copied, 0u);
+            if (withCache) {
+                EXPECT_GT(cacheB->copied, 0u);
+            }
         }
     }
 }

@@ -128,6 +128,45 @@ TEST(EnvelopeStraightRamp, FlushToZeroAndRoundingModes) {
     }
 }
 
+TEST(EnvelopeStraightRamp, PlanKeptBetweenPiecesStepsAndModes) {
+    // One plan through ramps rendered piece by piece, with the step, the binade, the sign and the
+    // rounding and flush modes changing between pieces: each piece matches the serial sums in its mode.
+    BR::RampPlan plan;
+    std::mt19937 random(9);
+    const int modes[4] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
+    const unsigned int csr = _mm_getcsr();
+    const int mode = std::fegetround();
+    float fast = 0.0f, plain = 0.0f;
+    float step = 1.0f / 480.0f;
+    std::vector<float> a(64), b(64);
+    for (int piece = 0; piece < 20000; ++piece) {
+        if (piece % 500 == 0) {  // a new ramp: level and step of another size or sign
+            fast = plain = std::ldexp(1.0f + float(random() % 1000) / 1000.0f, int(random() % 20) - 10) *
+                           (random() % 2 ? -1.0f : 1.0f);
+            step = std::ldexp(1.0f + float(random() % 1000) / 1000.0f,
+                              std::ilogb(fast) - 8 - int(random() % 12)) *
+                   (random() % 2 ? -1.0f : 1.0f);
+        }
+        if (piece % 97 == 0) {
+            std::fesetround(modes[random() % 4]);
+            _mm_setcsr((_mm_getcsr() & ~0x8040u) | (random() % 2 ? 0x8040u : 0u));
+        }
+        const uint32_t n = 1 + uint32_t(random() % 64);
+        BR::RampSamples(fast, step, a.data(), n, &plan);
+        BR::RampSamplesSerial(plain, step, b.data(), n);
+        bool same = Bits(fast) == Bits(plain);
+        for (uint32_t i = 0; i < n; ++i)
+            same = same && Bits(a[i]) == Bits(b[i]);
+        if (!same) {
+            _mm_setcsr(csr);
+            std::fesetround(mode);
+            FAIL() << "piece " << piece << " from " << plain << " by " << step;
+        }
+    }
+    _mm_setcsr(csr);
+    std::fesetround(mode);
+}
+
 TEST(EnvelopeStraightRamp, StraightSegmentAndSustainThroughTheEnvelope) {
     // Shape 1 gives straight parabolic segments; the sustain and finished stages are flat ones.
     BR::EnvParameters p;
