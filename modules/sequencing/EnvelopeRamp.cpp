@@ -35,20 +35,10 @@ float FromBits(uint32_t b) {
     return x;
 }
 
-// The rounding mode and the flush-to-zero and denormals-are-zero flags: what R may depend on.
-uint32_t ControlWord() {
-#ifdef BR_SAMPLE_SSE2
-    return _mm_getcsr() & 0xE040u;
-#else
-    return 0;
-#endif
-}
-
 // Works out R for the step and the binade of the level whose bits are `bits`.
-void Analyse(RampPlan& plan, uint32_t bits, float step, uint32_t controlWord) {
+void Analyse(RampPlan& plan, uint32_t bits, float step) {
     plan.stepBits = Bits(step);
     plan.levelTop = bits >> 23;
-    plan.controlWord = controlWord;
     plan.exact = false;
     const int32_t biased = int32_t((bits >> 23) & 0xFFu);
     // Magnitudes of 2^-100 to 2^100 only: every multiple of the grid then stays a normal float (a host's
@@ -69,6 +59,7 @@ void Analyse(RampPlan& plan, uint32_t bits, float step, uint32_t controlWord) {
     const float middle = negative ? -1.5f * binade : 1.5f * binade;
     const float r = (middle + step) - middle;
     const int32_t rq = int32_t(r * perGrid);  // exact: R is a multiple of u below 2^21 u
+    plan.middle = middle;
     plan.rounded = r;
     plan.grow = negative ? -rq : rq;  // grid steps towards larger magnitudes
     plan.exact = true;
@@ -78,9 +69,13 @@ void Analyse(RampPlan& plan, uint32_t bits, float step, uint32_t controlWord) {
 // `limit`), with R stored in `rounded`; 0 where the closed form does not hold.
 uint32_t ExactRun(float level, float step, uint32_t limit, float& rounded, RampPlan& plan) {
     const uint32_t bits = Bits(level);
-    const uint32_t controlWord = ControlWord();
-    if (plan.stepBits != Bits(step) || plan.levelTop != bits >> 23 || plan.controlWord != controlWord)
-        Analyse(plan, bits, step, controlWord);
+    if (plan.stepBits != Bits(step) || plan.levelTop != bits >> 23) {
+        Analyse(plan, bits, step);
+    } else if (plan.exact && Bits((plan.middle + step) - plan.middle) != Bits(plan.rounded)) {
+        // R depends on the rounding mode alone (the flush modes cannot reach the sizes taken): the
+        // mode changed since the plan was made.
+        Analyse(plan, bits, step);
+    }
     if (!plan.exact) return 0;
     // Every sum must land in [2^e + u, 2^(e+1) - u]: the exact sum, within u / 2 of it, then lies
     // strictly inside the binade, where the rounding grid is u.

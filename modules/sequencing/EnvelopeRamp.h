@@ -9,13 +9,14 @@ namespace BR {
 
 // What RampSamples works out for one step and one binade of levels, kept between calls by a caller that
 // renders a ramp piece by piece (a segment block by block meets the same step, mostly in the same
-// binade). It is keyed by everything it depends on, so it never needs resetting.
+// binade). It is keyed by the step and the levels' sign and binade, and R is checked against the
+// present rounding mode at each use, so it never needs resetting.
 struct RampPlan {
     uint32_t stepBits = 0;
     uint32_t levelTop = 0xFFFFFFFFu;  // sign and exponent of the levels (their bits >> 23); none yet
-    uint32_t controlWord = 0;         // the rounding and flush modes R was taken in
     bool exact = false;               // the closed form holds (no tie, sizes it takes)
-    float rounded = 0.0f;             // R: the step rounded to the binade's grid
+    float middle = 0.0f;              // 1.5 * 2^e with the levels' sign, where R is taken
+    float rounded = 0.0f;             // R: the step rounded to the binade's grid, in the rounding mode
     int32_t grow = 0;                 // R in grid steps towards larger magnitudes
 };
 
