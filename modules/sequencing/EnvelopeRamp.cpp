@@ -140,11 +140,13 @@ void Ramp(float& level, float step, float* y, uint32_t count, Map map, RampPlan*
         float* out = y + i;
         uint32_t k = 0;
 #ifdef BR_SAMPLE_SSE2
-        const __m128 base = _mm_set1_ps(l), stride = _mm_set1_ps(r), four = _mm_set1_ps(4.0f);
-        __m128 index = _mm_setr_ps(1.0f, 2.0f, 3.0f, 4.0f);  // whole numbers below 2^24: exact
+        const __m128 base = _mm_set1_ps(l), stride = _mm_set1_ps(r);
+        // k counted in integers (a one-cycle add from one group to the next), converted exactly.
+        const __m128i four = _mm_set1_epi32(4);
+        __m128i index = _mm_setr_epi32(1, 2, 3, 4);
         for (; k + 4 <= run; k += 4) {
-            _mm_storeu_ps(out + k, map(_mm_add_ps(base, _mm_mul_ps(index, stride))));
-            index = _mm_add_ps(index, four);
+            _mm_storeu_ps(out + k, map(_mm_add_ps(base, _mm_mul_ps(_mm_cvtepi32_ps(index), stride))));
+            index = _mm_add_epi32(index, four);
         }
 #endif
         for (; k < run; ++k)
