@@ -267,6 +267,7 @@ void BrelCorvane::InitModule() {
     for (BR::OutputSmoother& s : smoother)
         s.Reset();
     std::fill(smoothingUsed, smoothingUsed + kNumOutputs, 0.0f);
+    mixPlanned = false;
     smoothingRate = 0.0f;
     portamentoSamplesUsed = -1.0f;
     exponentialCoefficient = 0.0f;
@@ -414,6 +415,7 @@ void BrelCorvane::ReadRows() {
         }
     }
     smoothingRate = sampleRate;
+    ++rowsRead;
 
     hardwareMode = std::clamp(int32_t(BlockValue(kHardwareMode)), 0, 3);
     if (hardwareMode == 1)
