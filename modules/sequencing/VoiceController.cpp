@@ -493,9 +493,7 @@ int32_t BrelCorvane::GetProperty(uint32_t id, void* data) {
             return BR::kNoErr;
         }
         case kPropertyPolyPlace:
-            // The place as of this instance's last block or sub-block start, as its render path sees it.
-            if (mode == kModeMaster) return BR::PutProperty(data, int32_t(-1));
-            return BR::PutProperty(data, polyMode == kPolyVoice ? voiceId : int32_t(0));
+            return BR::PutProperty(data, PolyPlace());
         default:
             return BrelCorvaneBase::GetProperty(id, data);
     }

@@ -138,6 +138,9 @@ public:
     BR::CalibrationTable& Calibration() { return calibration.table; }
     const std::string& CalibrationName() const { return calibration.name; }
     int32_t GetMode() const { return mode; }
+    // -1 for a master, the voice number for a voice, else 0: the place as of this instance's last block
+    // or sub-block start, as its render path sees it (property 64019).
+    int32_t PolyPlace() const { return mode == kModeMaster ? -1 : polyMode == kPolyVoice ? voiceId : 0; }
     int32_t VoiceNote(int32_t voice) const { return voiceNote[voice]; }
     int32_t HeldNote(int32_t note) const { return heldNotes[note]; }
     int32_t HeldCount() const { return heldCount; }
