@@ -1,8 +1,10 @@
-// The Voice Controller's output stage, six outputs side by side in vector lanes, gives bit for bit what
+// The Voice Controller's output stage (outputs without smoothing four samples to a vector, smoothed
+// ones side by side in vector lanes when there are enough of them, else alone) gives bit for bit what
 // the same mix and smoothing give one output at a time: for every number of moving signals, outputs
 // that take or leave out each signal, outputs not written (left untouched), slew, one-pole and no
-// smoothing mixed across the lanes, with and without smoothers, at run lengths around the four-sample
-// groups, and on signals and levels with signed zeros, subnormals, infinities and not-a-numbers.
+// smoothing mixed across the outputs (0 to 6 smoothed), with and without smoothers, at run lengths
+// around the four-sample groups, and on signals and levels with signed zeros, subnormals, infinities
+// and not-a-numbers.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -58,6 +60,7 @@ TEST(VoiceControllerOutputStage, LanesMatchOneByOne) {
     Random r;
     const uint32_t lengths[] = {0, 1, 2, 3, 4, 5, 7, 8, 9, 13, 64, 67};
     int checked = 0;
+    int paths[4] = {};  // outputs taken by each path over all runs
     for (int trial = 0; trial < 600; ++trial) {
         const uint32_t frames = lengths[trial % 12];
         const bool specials = trial % 3 == 0;
@@ -102,6 +105,8 @@ TEST(VoiceControllerOutputStage, LanesMatchOneByOne) {
         }
         MixPlan plan;
         PlanMix(run, withSmoothers ? smoothers : nullptr, plan);
+        for (int32_t o = 0; o < kMixOutputs; ++o)
+            ++paths[int(plan.path[o])];
         MixAndSmooth(plan, run.signal, run.base, y, frames, withSmoothers ? smoothers : nullptr);
         MixAndSmoothOneByOne(run, z, frames, withSmoothers ? reference : nullptr);
 
@@ -120,6 +125,8 @@ TEST(VoiceControllerOutputStage, LanesMatchOneByOne) {
         }
     }
     EXPECT_GT(checked, 20000);
+    for (int path = 0; path < 4; ++path)
+        EXPECT_GT(paths[path], 100) << "path " << path;
 }
 
 // A difference exactly one slew step up or down takes the step (the comparisons include equality),
