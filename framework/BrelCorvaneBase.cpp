@@ -67,7 +67,9 @@ void BrelCorvaneBase::SetMaxBlockSize(uint32_t frames) {
 }
 
 bool BrelCorvaneBase::BeginBlock(uint32_t) {
-    if (controller) sampleRate = controller->GetSampleRate();
+    // RenderAudio has just asked the controller for this block's rate (PollParameters, which it
+    // always runs before BeginBlock): the same value, without asking again.
+    if (controller) sampleRate = polledSampleRate;
     return true;
 }
 
@@ -91,6 +93,14 @@ void BrelCorvaneBase::PollParameters() {
         }
     }
     const uint32_t words = std::min<uint32_t>(NumChangedWords(), uint32_t(blockChanged.size()));
+    if (!pollAll && !anyRowChanged) {
+        // The last block copied nothing, so its mask is all zero already: a block in which no store
+        // set a bit needs one relaxed load per 64 parameters and no writes.
+        uint32_t w = 0;
+        while (w < words && !ChangedWordPending(w))
+            ++w;
+        if (w == words) return;
+    }
     const uint32_t numObjects = uint32_t(parameterList.size());
     bool any = false;
     for (uint32_t w = 0; w < words; ++w) {

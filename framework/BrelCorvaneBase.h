@@ -216,9 +216,14 @@ protected:
 private:
     // Takes the changed-parameter mask and copies the values of changed rows into blockValues.
     void PollParameters();
+    // ProcessBlock's slicing at MIDI time stamps, from the first item read.
+    void ProcessSlices(float** inputs, float** outputs, uint32_t frames, BR::MessageQueueItem* item);
 
     std::vector<float> blockValues;      // one per table row
     std::vector<uint64_t> blockChanged;  // this block's mask, by parameter index (row k is bit k + 1)
+    const BR::HostController* stemController = nullptr;  // whose stem formats the two counts hold
+    int32_t hostInputChannels = 0;
+    int32_t hostOutputChannels = 0;
     bool anyRowChanged = true;
     bool pollAll = true;
     float polledSampleRate = 0.0f;
