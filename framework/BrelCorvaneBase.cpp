@@ -85,22 +85,7 @@ bool BrelCorvaneBase::RowsChanged(int32_t first, int32_t count) const {
 }
 
 void BrelCorvaneBase::PollParameters() {
-    if (controller) {
-        const float rate = controller->GetSampleRate();
-        if (rate != polledSampleRate) {
-            polledSampleRate = rate;
-            pollAll = true;  // every rate-derived value is due again
-        }
-    }
     const uint32_t words = std::min<uint32_t>(NumChangedWords(), uint32_t(blockChanged.size()));
-    if (!pollAll && !anyRowChanged) {
-        // The last block copied nothing, so its mask is all zero already: a block in which no store
-        // set a bit needs one relaxed load per 64 parameters and no writes.
-        uint32_t w = 0;
-        while (w < words && !ChangedWordPending(w))
-            ++w;
-        if (w == words) return;
-    }
     const uint32_t numObjects = uint32_t(parameterList.size());
     bool any = false;
     for (uint32_t w = 0; w < words; ++w) {

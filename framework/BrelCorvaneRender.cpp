@@ -63,7 +63,7 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
     // may be gone.
     transport = record->transport ? record->transport : initialTransport;
 
-    PollParameters();
+    if (!NothingToPoll()) PollParameters();
     if (!BeginBlock(frames)) {
         MarkAllRowsChanged();  // the module saw none of this block's changes
         return;

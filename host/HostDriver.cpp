@@ -93,6 +93,12 @@ void HostDriver::Process(const float* const* inputs, float* const* outputs, uint
         if (frames != 0) RenderRecordBlock(inputs, outputs, 0, frames, 0);
         return;
     }
+    ProcessPieces(inputs, outputs, frames, midi, numMidi);
+}
+
+// Out of line, so that the common case above saves and restores no more registers than it uses.
+[[gnu::noinline]] void HostDriver::ProcessPieces(const float* const* inputs, float* const* outputs,
+                                                 uint32_t frames, const TimedMidi* midi, uint32_t numMidi) {
     uint32_t done = 0;
     uint32_t nextMidi = 0;
     while (done < frames) {

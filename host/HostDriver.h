@@ -80,6 +80,8 @@ public:
     uint64_t RenderedFrames() const { return renderedFrames; }
 
 private:
+    void ProcessPieces(const float* const* inputs, float* const* outputs, uint32_t frames,
+                       const TimedMidi* midi, uint32_t numMidi);
     void RenderOne(const float* const* inputs, float* const* outputs, uint32_t offset, uint32_t frames,
                    const TimedMidi* midi, uint32_t numMidi);
     void RenderRecordBlock(const float* const* inputs, float* const* outputs, uint32_t offset,

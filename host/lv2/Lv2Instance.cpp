@@ -124,11 +124,7 @@ void Lv2Instance::LayOutControls() {
     controlsLaidOut = true;
 }
 
-void Lv2Instance::ReadControls() {
-    // A plain load first: an exchange at every block would be a locked instruction at every block.
-    const bool resync = resyncControls.load(std::memory_order_relaxed) &&
-                        resyncControls.exchange(false, std::memory_order_acquire);
-    if (ControlsUnchanged()) return;
+void Lv2Instance::ReadControls(bool resync) {
     bool anyPending = false;
     BrelCorvaneBase& module = driver->Module();
     for (uint32_t k = 0; k < layout.numControls; ++k) {
@@ -215,7 +211,10 @@ void Lv2Instance::Run(uint32_t frames) {
     if (outputMissing) return;  // nowhere to render to
     sentMidi.Clear();
     runStart = driver->RenderedFrames();
-    ReadControls();
+    // A plain load first: an exchange at every block would be a locked instruction at every block.
+    const bool resync = resyncControls.load(std::memory_order_relaxed) &&
+                        resyncControls.exchange(false, std::memory_order_acquire);
+    if (!ControlsUnchanged()) ReadControls(resync);
     if (midiIn && midiIn->atom.size > sizeof(LV2_Atom_Sequence_Body)) {
         CollectEvents(frames);
     } else {
@@ -230,7 +229,7 @@ void Lv2Instance::Run(uint32_t frames) {
             driver->Process(audioIn.data(), audioOut.data(), frames, nullptr, 0);
         else if (frames != 0)
             RenderSpan(0, frames);
-        WriteSentMidi(frames);
+        if (sentMidi.Count() != 0) WriteSentMidi(frames);
         return;
     }
     uint32_t start = 0, nextPosition = 0;

@@ -53,7 +53,8 @@ public:
 private:
     Lv2Instance(const Lv2BundleInfo& bundle, const Lv2ModuleSource& source, double sampleRate);
 
-    void ReadControls();
+    // Applies the control ports that moved; with `resync`, only takes their values as seen.
+    void ReadControls(bool resync);
     // True when the ports lie side by side and none differs from lastSeen. Equal bits mean equal
     // values, or the same non-finite value, which ReadControls ignores as well.
     bool ControlsUnchanged() {
