@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "framework/BrelCorvaneBase.h"
+#include "framework/SampleKernels.h"
 
 namespace BR {
 
@@ -172,6 +173,28 @@ void envNoteOff(Envelope& envelope, const EnvParameters& parameters, float sampl
     SetupSegment(envelope, kSegR2, parameters.time[kSegR2] * m, r1, 0.0f, parameters, sampleRate);
 }
 
+void PrepareEnvDisplay(EnvDisplayScale& scale, const EnvParameters& parameters, float sampleRate,
+                       float timeFactor) {
+    // Raw times before the multiplier: the display's axis shows the times as set. Segments at or past
+    // a stage count as done, with sustain's nominal second once the release runs; the samples left in
+    // the stage come off again.
+    float total = 1.0f;
+    for (int32_t s = 0; s < kNumEnvSegments; ++s)
+        total += parameters.time[s];
+    const float perSample = 1.0f / sampleRate / timeFactor;
+    for (int32_t stage = kEnvFinished + 1; stage < kEnvNumStages; ++stage) {
+        float done = 0.0f;
+        for (int32_t s = 0; s < kNumEnvSegments; ++s)
+            if (stage <= kSegmentStage[s]) done += parameters.time[s];
+        if (stage < kEnvSustain) done += 1.0f;
+        scale.doneAtEnd[stage] = done;
+        scale.secondsPerSample[stage] = stage == kEnvSustain ? 0.0f : perSample;
+    }
+    scale.doneAtEnd[kEnvFinished] = 0.0f;
+    scale.secondsPerSample[kEnvFinished] = 0.0f;
+    scale.inverseTotal = 1.0f / total;
+}
+
 void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float sampleRate,
                     EnvDisplayValues& display) {
     const int32_t stage = envelope.stageIndex;
@@ -183,6 +206,7 @@ void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float s
         display.level = 0.0f;
         return;
     }
+    // The position PrepareEnvDisplay's scale gives, worked out from the rows at each call.
     float total = 1.0f, done = 0.0f;
     for (int32_t s = 0; s < kNumEnvSegments; ++s) {
         total += parameters.time[s];
@@ -310,9 +334,27 @@ uint32_t RunCached(EnvSegmentCache& cache, int32_t k, const EnvStage& stage, flo
     return done + more;
 }
 
-}  // namespace
+// Levels written as they are, or through the output mapping of renderEnvelope's mapped form.
+struct AsLevels {
+    float operator()(float level) const { return level; }
+    void Ramp(float& level, float step, float* y, uint32_t n, RampPlan& plan) const {
+        RampSamples(level, step, y, n, &plan);
+    }
+    void After(float*, uint32_t) const {}
+};
 
-void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache) {
+struct AsMapped {
+    float scale, offset;
+    float operator()(float level) const { return level * scale + offset; }
+    void Ramp(float& level, float step, float* y, uint32_t n, RampPlan& plan) const {
+        RampSamplesMapped(level, step, y, n, scale, offset, &plan);
+    }
+    // Exponential samples are written as levels first (the segment cache keeps levels), then mapped.
+    void After(float* y, uint32_t n) const { ScaleOffsetSamples(y, n, scale, offset); }
+};
+
+template <typename Map>
+void RenderStages(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache, Map map) {
     float level = envelope.level;
     int32_t index = envelope.stageIndex;
     if (index < kEnvFinished || index >= kEnvNumStages) index = kEnvFinished;
@@ -323,7 +365,7 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
         if (n == 0 && index == kEnvFinished) {
             // The finished stage ran down its counter (after 2^32 - 1 samples). With no stage below
             // it and no samples left, the loop would never write the rest of the block: it holds.
-            std::fill(out + written, out + count, level);
+            FillSamples(out + written, count - written, map(level));
             break;
         }
         float* y = out + written;
@@ -332,16 +374,22 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
         if (stage.type == kEnvParabolic) {
             float increment = stage.increment;
             const float coefficient = stage.coefficient;
-            for (uint32_t i = 0; i < n; ++i) {
-                level += increment;
-                increment += coefficient;
-                y[i] = level;
+            if (Bits(increment + coefficient) == Bits(increment)) {
+                // The first difference no longer moves (shape 1, sustain, finished): a straight ramp.
+                map.Ramp(level, increment, y, n, stage.ramp);
+            } else {
+                for (uint32_t i = 0; i < n; ++i) {
+                    level += increment;
+                    increment += coefficient;
+                    y[i] = map(level);
+                }
+                stage.increment = increment;
             }
-            stage.increment = increment;
         } else {
             const int32_t entry = cache && n != 0 ? CacheEntryOf(*cache, stage, level) : -1;
             done = entry >= 0 ? RunCached(*cache, entry, stage, level, y, n, ended)
                               : RunExponential(stage, level, y, n, ended);
+            map.After(y, done);
         }
         written += done;
         stage.rendered += done;
@@ -351,6 +399,17 @@ void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCa
     }
     envelope.level = level;
     envelope.stageIndex = index;
+}
+
+}  // namespace
+
+void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache) {
+    RenderStages(envelope, out, count, cache, AsLevels{});
+}
+
+void renderEnvelopeMapped(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache, float scale,
+                          float offset) {
+    RenderStages(envelope, out, count, cache, AsMapped{scale, offset});
 }
 
 }  // namespace BR

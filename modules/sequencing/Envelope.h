@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "modules/sequencing/EnvelopeRamp.h"
+
 class BrelCorvaneBase;
 
 namespace BR {
@@ -45,6 +47,8 @@ struct EnvStage {
     uint32_t rendered = 0;
     int32_t cacheEntry = -1;
     uint32_t cacheGeneration = 0;
+    // A straight parabolic segment's ramp plan, kept from one rendered piece to the next.
+    RampPlan ramp;
 };
 
 // Levels of exponential segments already rendered. An exponential segment is a serial chain,
@@ -129,6 +133,17 @@ struct EnvDisplayValues {
     float level = 0.0f;
 };
 
+// What the display position derives from the rows and the sample rate alone, worked out again only when
+// they change (PrepareEnvDisplay): per stage, the raw seconds counted as done when it ends (sustain as
+// one nominal second) and the raw seconds a sample left in it takes off (0 for sustain and finished),
+// and 1 / the total. The position is display data, never audio: multiplications by these reciprocals
+// stand in for the divisions.
+struct EnvDisplayScale {
+    float doneAtEnd[kEnvNumStages] = {};
+    float secondsPerSample[kEnvNumStages] = {};
+    float inverseTotal = 1.0f;
+};
+
 // The time factor of a "Multiplier" value: 10^(value - 1), also between the indices.
 float EnvTimeMultiplier(float multiplierIndex);
 
@@ -148,14 +163,39 @@ void envNoteOn(Envelope& envelope, float velocity, const EnvParameters& paramete
 // Starts the release from wherever the envelope stands.
 void envNoteOff(Envelope& envelope, const EnvParameters& parameters, float sampleRate);
 
+// The display scale of these parameters at this rate; `timeFactor` is EnvTimeMultiplier of their
+// "Multiplier" value.
+void PrepareEnvDisplay(EnvDisplayScale& scale, const EnvParameters& parameters, float sampleRate,
+                       float timeFactor);
+
 // At the start of every rendered sub-block: sustain follows its parameter at once, a finished
 // envelope sits at 0, and the display values are computed.
 void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float sampleRate,
                     EnvDisplayValues& display);
 
+// The same with the display scale prepared when the rows or the rate last changed.
+inline void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, const EnvDisplayScale& scale,
+                           EnvDisplayValues& display) {
+    const int32_t stage = envelope.stageIndex;
+    if (stage == envelope.sustainStage) envelope.level = parameters.sustain * envelope.velocityScale;
+    if (stage == kEnvFinished) envelope.level = 0.0f;
+    if (stage <= kEnvFinished || stage >= kEnvNumStages) {
+        display.position = 0.0f;
+        display.level = stage == kEnvFinished ? 0.0f : envelope.level;
+        return;
+    }
+    const float left = float(envelope.stages[stage].samplesLeft) * scale.secondsPerSample[stage];
+    display.position = (scale.doneAtEnd[stage] - left) * scale.inverseTotal;
+    display.level = envelope.level;
+}
+
 // Writes `count` levels, passing through as many stages as the samples reach. On the sample where an
 // exponential segment ends the output is its target, while `level` keeps the overshot value. With a
 // `cache`, exponential segments that repeat are copied from it (the same samples, bit for bit).
 void renderEnvelope(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache = nullptr);
+// The same levels, each written as level * scale + offset (a multiply, then an add, each rounded): the
+// bits of renderEnvelope followed by that mapping, in one pass where the samples are made.
+void renderEnvelopeMapped(Envelope& envelope, float* out, uint32_t count, EnvSegmentCache* cache, float scale,
+                          float offset);
 
 }  // namespace BR

@@ -154,6 +154,11 @@ public:
     const LaneState& State(int lane) const { return lanes[lane]; }
     const float* StepValues(int lane) const { return stepValues[lane]; }
     BR::MessageQueue& EditQueue() { return editQueue; }
+    // With false every sample takes the full per-sample form (step search included), the reference
+    // that tests compare the in-step runs with. The output is the same either way.
+    void SetInStepRuns(bool on) { inStepRuns = on; }
+    // Samples rendered so far by in-step runs (the rest took the full form).
+    uint64_t InStepSamples() const { return inStepSamples; }
 
 protected:
     void ParameterValueChanged(int32_t parameterIndex, float value) override;
@@ -169,6 +174,7 @@ private:
     void RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames);
     void RenderSteps(int lane, const float* x, float* out, uint32_t frames);
     // The step loop, made for the pass's case: with or without a signal input, interpolated or not.
+    // The first sample of a step takes the full form; the rest of the step runs without the search.
     template <bool kInput, bool kLinear>
     void StepLoop(int lane, const float* x, float* out, uint32_t frames);
     void PublishStatus();
@@ -183,6 +189,8 @@ private:
     float dacBitValues[kNumLanes][BR::kNumDACBits];
     bool inputGate[4] = {};  // trigger L, reset L, trigger R, reset R
     bool wasPlaying = false;
+    bool inStepRuns = true;
+    uint64_t inStepSamples = 0;
     BR::MessageQueue editQueue;
 };
 

@@ -254,6 +254,7 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
     const Asymmetry map(c.asymmetry);
     const float floorValue = c.bipolar ? -1e6f : 0.0f;  // in Unipolar range negative steps count as 0
     const int32_t count = c.stepCount, start = c.startIndex;
+    const float countValue = float(count);
     const bool triggered = c.syncMode == kTrigFree || c.syncMode == kTrigTempo;
     const float* steps = stepValues[lane];
     const float multiplier = c.multiplier, offset = c.offset, gateLength = c.gateLength;
@@ -262,12 +263,26 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
     int32_t current = st.currentStep;
     float u = 0.0f;
 
-    for (uint32_t i = 0; i < frames; ++i) {
+    // The step's value `v` at a place `within` the step, through the floor, the gate and the mapping;
+    // then mixed with the input of sample i.
+    const auto level = [&](float v, float within) {
+        v = std::max(v, floorValue);
+        if (within > gateLength) v = 0.0f;
+        return v * multiplier + offset;
+    };
+    const auto mix = [&](float v, uint32_t i) {
+        const float in = kInput ? x[i] : 0.0f;
+        return v * stepGain + in * inputGain + v * in * productGain;
+    };
+
+    uint32_t i = 0;
+    while (i < frames) {
+        // One sample in full: the step search and, at a step boundary, the boundary's work.
         float pos;
         int32_t s, next, index;
         for (;;) {
             u = map.Position(float(phase));
-            pos = u * float(count);
+            pos = u * countValue;
             s = StepOf(pos, count);
             next = s + 1 >= count ? 0 : s + 1;
             index = s + start;
@@ -297,27 +312,62 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
             }
             break;
         }
-        float v = steps[index];
-        if constexpr (kLinear)
-            v += (steps[start + next] - v) * (pos - float(s));  // wraps to the loop's first step
-        v = std::max(v, floorValue);
-        if (pos - float(s) > gateLength) v = 0.0f;
+        const float first = steps[index];
+        const float rise = kLinear ? steps[start + next] - first : 0.0f;  // wraps to the loop's first step
+        const float stepStart = float(s);
+        float v = first;
+        if constexpr (kLinear) v += rise * (pos - stepStart);
+        v = level(v, pos - stepStart);
+        out[i] = mix(v, i);
         phase += increment;
         if (phase >= 1.0) phase -= 1.0;
-        v = v * multiplier + offset;
-        const float in = kInput ? x[i] : 0.0f;
-        out[i] = v * stepGain + in * inputGain + v * in * productGain;
+        ++i;
         if (increment == 0.0 && phase >= 0.0 && phase < 1.0) {
             // Standing (a triggered lane waiting, or no rate): every further sample of this pass meets
             // the same phase, step and value, so only the input's share moves.
             if constexpr (kInput) {
-                for (uint32_t j = i + 1; j < frames; ++j)
-                    out[j] = v * stepGain + x[j] * inputGain + v * x[j] * productGain;
+                for (uint32_t j = i; j < frames; ++j)
+                    out[j] = mix(v, j);
             } else {
-                BR::FillSamples(out + i + 1, frames - i - 1, out[i]);
+                BR::FillSamples(out + i, frames - i, out[i - 1]);
             }
             break;
         }
+        if (!(increment > 0.0) || !inStepRuns) continue;
+
+        // The samples that follow in the same step, on the same side of the asymmetry, take the same
+        // arithmetic without the step search: the step's values and bounds are known. Each sample
+        // still checks that it lies in [s, s + 1) exactly as the search would find it (the float
+        // rounding of the map, not a computed count, decides where a step ends), and leaves the run
+        // for the full form above at the first one that does not, which then handles the boundary.
+        // A phase that wraps needs nothing more: the same tests see where it lands.
+        const float stepEnd = float(s + 1);
+        const auto run = [&](auto position, auto stays) {
+            for (; i < frames; ++i) {
+                const float p = float(phase);
+                if (!stays(p)) break;
+                const float at = position(p);
+                const float place = at * countValue;
+                const float within = place - stepStart;
+                if (!(within >= 0.0f && place < stepEnd)) break;
+                u = at;
+                float w = first;
+                if constexpr (kLinear) w += rise * within;
+                out[i] = mix(level(w, within), i);
+                phase += increment;
+                if (phase >= 1.0) phase -= 1.0;
+            }
+        };
+        const float a = map.a, f1 = map.f1, f2 = map.f2;
+        const uint32_t runStart = i;
+        if (float(phase) >= a) {
+            // Past the asymmetry point; a position of 1 or more (wrapped to the first step by the
+            // full form) gives at least countValue >= stepEnd, so it leaves the run.
+            run([f2](float p) { return p * f2 + 1.0f - f2; }, [a](float p) { return p >= a; });
+        } else {
+            run([f1](float p) { return p * f1; }, [a](float p) { return !(p >= a); });
+        }
+        inStepSamples += i - runStart;
     }
     st.phase = phase;
     st.increment = increment;

@@ -101,11 +101,16 @@ void BrelCorvane::CacheParameters() {
     triggerLengthSamples = std::max(1, int32_t(Value(kTriggerLength) * sampleRate * 0.001f));
     triggerNote = int32_t(Value(kTriggerNote));
     cvTriggerEnabled = Value(kCVTriggerEnable) != 0.0f;
-    if (cvTriggerEnabled) cvThreshold = Value(kCVTriggerThreshold);
+    if (cvTriggerEnabled) {
+        cvThreshold = Value(kCVTriggerThreshold);
+        cvThresholds = BR::GateThresholds::Single(cvThreshold);
+    }
     outputMode = int32_t(Value(kOutputMode));
     overrideActive = outputMode == kModeGate && Value(kOverrideGate) != 0.0f;
     if (overrideActive) overrideValue = (maxVoltage - minVoltage) * Value(kGate) + minVoltage;
     smoother.Configure(Value(kSmoothing), sampleRate);
+    BR::PrepareEnvDisplay(envDisplay, envParameters, sampleRate,
+                          BR::EnvTimeMultiplier(envParameters.multiplier));
 }
 
 bool BrelCorvane::BeginBlock(uint32_t frames) {
@@ -122,7 +127,7 @@ void BrelCorvane::BeginSlice(uint32_t, uint32_t) {
         CacheParameters();
         rowsPending = false;
     }
-    BR::envBlockUpdate(envelope, envParameters, sampleRate, status.As<TriggerStatus>().envelope);
+    BR::envBlockUpdate(envelope, envParameters, envDisplay, status.As<TriggerStatus>().envelope);
 }
 
 void BrelCorvane::StartNote(float noteVelocity) {
@@ -190,7 +195,7 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
 }
 
 void BrelCorvane::ScanCV(const float* in, float* out, uint32_t frames) {
-    const BR::GateThresholds thresholds = BR::GateThresholds::Single(cvThreshold);
+    const BR::GateThresholds thresholds = cvThresholds;
     uint32_t position = 0;
     while (position < frames) {
         const uint32_t edge = BR::FindGateChange(in, position, frames, gateOpen, thresholds);
@@ -225,8 +230,8 @@ void BrelCorvane::RenderTrigger(float* out, uint32_t frames) {
             break;
         }
         case kModeEnvelope: {
-            BR::renderEnvelope(envelope, out, frames, segmentCache.get());
-            BR::ScaleOffsetSamples(out, frames, maxVoltage - minVoltage, minVoltage);
+            BR::renderEnvelopeMapped(envelope, out, frames, segmentCache.get(), maxVoltage - minVoltage,
+                                     minVoltage);
             break;
         }
         case kModeVelocity:

@@ -89,6 +89,7 @@ private:
 
     BR::Envelope envelope;
     BR::EnvParameters envParameters;
+    BR::EnvDisplayScale envDisplay;  // follows the rows and the rate, for the display position
     std::unique_ptr<BR::EnvSegmentCache> segmentCache;  // made with the module, never when rendering
     bool gateOpen = false;
     bool sustainPedal = false;  // stored only
@@ -105,6 +106,7 @@ private:
     bool rowsPending = true;  // rows changed since CacheParameters last ran
     bool cvTriggerEnabled = false;
     float cvThreshold = 0.0f;
+    BR::GateThresholds cvThresholds = BR::GateThresholds::Single(0.0f);  // follows cvThreshold
     BR::OutputSmoother smoother;  // slewStep, onePoleCoefficient, smoothState
 };
 
