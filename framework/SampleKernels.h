@@ -44,6 +44,14 @@ inline uint32_t FirstNotAtOrAbove(const float* x, uint32_t from, uint32_t count,
     uint32_t i = from;
 #ifdef BR_SAMPLE_SSE2
     const __m128 l = _mm_set1_ps(level);
+    // Sixteen samples a test while all hold (a gate stays open for thousands), then eight, then one.
+    for (; i + 16 <= count; i += 16) {
+        const __m128 a =
+            _mm_and_ps(_mm_cmpge_ps(_mm_loadu_ps(x + i), l), _mm_cmpge_ps(_mm_loadu_ps(x + i + 4), l));
+        const __m128 b =
+            _mm_and_ps(_mm_cmpge_ps(_mm_loadu_ps(x + i + 8), l), _mm_cmpge_ps(_mm_loadu_ps(x + i + 12), l));
+        if (_mm_movemask_ps(_mm_and_ps(a, b)) != 15) break;
+    }
     for (; i + 8 <= count; i += 8) {
         const int held = _mm_movemask_ps(_mm_cmpge_ps(_mm_loadu_ps(x + i), l)) &
                          _mm_movemask_ps(_mm_cmpge_ps(_mm_loadu_ps(x + i + 4), l));
@@ -60,6 +68,14 @@ inline uint32_t FirstAbove(const float* x, uint32_t from, uint32_t count, float 
     uint32_t i = from;
 #ifdef BR_SAMPLE_SSE2
     const __m128 l = _mm_set1_ps(level);
+    // Sixteen samples a test while none rises (a gate stays closed for thousands), then eight, then one.
+    for (; i + 16 <= count; i += 16) {
+        const __m128 a =
+            _mm_or_ps(_mm_cmpgt_ps(_mm_loadu_ps(x + i), l), _mm_cmpgt_ps(_mm_loadu_ps(x + i + 4), l));
+        const __m128 b =
+            _mm_or_ps(_mm_cmpgt_ps(_mm_loadu_ps(x + i + 8), l), _mm_cmpgt_ps(_mm_loadu_ps(x + i + 12), l));
+        if (_mm_movemask_ps(_mm_or_ps(a, b)) != 0) break;
+    }
     for (; i + 8 <= count; i += 8) {
         const int above = _mm_movemask_ps(_mm_cmpgt_ps(_mm_loadu_ps(x + i), l)) |
                           _mm_movemask_ps(_mm_cmpgt_ps(_mm_loadu_ps(x + i + 4), l));

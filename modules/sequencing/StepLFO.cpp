@@ -124,6 +124,7 @@ BrelCorvane::BrelCorvane() : BrelCorvaneBase(kConfig) {
 void BrelCorvane::InitModule() {
     for (int lane = 0; lane < kNumLanes; ++lane) {
         settings[lane] = LaneSettings();
+        laneRows[lane] = LaneRows();
         lanes[lane] = LaneState();
         for (int32_t k = 0; k < kNumSteps; ++k)
             stepValues[lane][k] = parameterTable[kStepRows[lane] + k].defaultValue;
@@ -131,6 +132,7 @@ void BrelCorvane::InitModule() {
             dacBitValues[lane][k] = parameterTable[kDACBitRows[lane] + k].defaultValue;
     }
     std::fill(std::begin(inputGate), std::end(inputGate), false);
+    lineCount = 0;
     wasPlaying = false;
     while (editQueue.Read()) {
     }
@@ -162,15 +164,24 @@ void BrelCorvane::WriteBackSteps(int lane) {
     }
 }
 
+inline double BrelCorvane::KeepLane(int lane) {
+    // What ReadLane does for such a lane whose free rate per sample is known, without its tests.
+    LaneSettings& c = settings[lane];
+    const LaneRows& rows = laneRows[lane];
+    c.swingAmount = -1.0f;
+    c.rate = rows.freeRatePerSample;
+    if (c.syncMode == kFree) lanes[lane].increment = c.rate;
+    c.offset = rows.offset;
+    c.multiplier = rows.multiplier;
+    lanes[lane].phaseOffset = 0.0;
+    return rows.freeRate;
+}
+
 bool BrelCorvane::BeginBlock(uint32_t frames) {
     if (!BrelCorvaneBase::BeginBlock(frames)) return false;
     // Without a transport the module plays at tempo 0 from position 0.
     const BR::HostTransport* host = Transport();
     const bool playing = host ? host->IsTransportPlaying() : true;
-    double tempo = host ? host->GetCurrentTempo() : 0.0;
-    double position = BR::CurrentBeatPosition(host);
-    if (!std::isfinite(tempo) || tempo < 0.0) tempo = 0.0;
-    if (!std::isfinite(position)) position = 0.0;
 
     if (wasPlaying && !playing)
         for (int lane = 0; lane < kNumLanes; ++lane)
@@ -178,13 +189,39 @@ bool BrelCorvane::BeginBlock(uint32_t frames) {
     wasPlaying = playing;
 
     // Row-derived settings are read again only in blocks where a row changed; what follows the
-    // transport (rates at tempo, swing, phase locking, the stopped state) is worked out every block.
+    // transport (rates at tempo, swing, phase locking, the stopped state) is worked out every block,
+    // and tempo and position are asked for only when a lane follows them.
     const bool rowsChanged = RowsChanged();
+    bool transportRead = false;
+    double tempo = 0.0, position = 0.0;
     double previousRate = 0.0;  // "Quadrature" takes the rate of the lane handled just before
     for (int lane = 0; lane < kNumLanes; ++lane) {
         if (rowsChanged) ReadLaneRows(lane);
-        previousRate = ReadLane(lane, playing, tempo, position, previousRate);
+        const LaneRows& rows = laneRows[lane];
+        if (rows.followsRowsAlone && rows.perSampleRate == sampleRate) {
+            previousRate = KeepLane(lane);
+        } else {
+            if (!transportRead) {
+                tempo = host ? host->GetCurrentTempo() : 0.0;
+                position = BR::CurrentBeatPosition(host);
+                if (!std::isfinite(tempo) || tempo < 0.0) tempo = 0.0;
+                if (!std::isfinite(position)) position = 0.0;
+                transportRead = true;
+            }
+            previousRate = ReadLane(lane, playing, tempo, position, previousRate);
+        }
         if (rowsChanged) ReadRandom(lane);
+    }
+    if (rowsChanged) {
+        const int32_t inputOf[4] = {settings[0].triggerInput, settings[0].resetInput,
+                                    settings[1].triggerInput, settings[1].resetInput};
+        lineCount = 0;
+        for (int32_t l = 0; l < 4; ++l)
+            if (inputOf[l] > 0) {
+                lineSlot[lineCount] = l;
+                lineInput[lineCount] = inputOf[l] - 1;
+                ++lineCount;
+            }
     }
     return true;
 }
@@ -201,6 +238,7 @@ void BrelCorvane::ReadLaneRows(int lane) {
     lastStep = std::min(std::max(lastStep, c.startIndex), kNumSteps - 1);
     c.stepCount = lastStep - c.startIndex + 1;
     rows.swing = row(kSwing);
+    lanes[lane].standing = false;
 
     const bool stepMode = row(kSpeedMode) != 0.0f;
     c.syncMode = std::clamp(int32_t(row(kSync)), 0, int32_t(kTrigTempo));
@@ -244,6 +282,8 @@ void BrelCorvane::ReadLaneRows(int lane) {
     c.triggerNoteMin = int32_t(BlockValue(kResetRows[lane] + kTriggerNoteMin));
     c.triggerNoteMax = int32_t(BlockValue(kResetRows[lane] + kTriggerNoteMax));
     lanes[lane].smoother.Configure(row(kSmoothing), sampleRate);
+    rows.followsRowsAlone =
+        (c.syncMode == kFree || c.syncMode == kTrigFree) && std::fabs(rows.swing - 50.0f) <= 0.1f;
 }
 
 double BrelCorvane::ReadLane(int lane, bool playing, double tempo, double position, double previousRate) {

@@ -112,6 +112,9 @@ struct LaneRows {
     float perSampleRate = std::numeric_limits<float>::quiet_NaN();
     float cycleQuarters = 0.0f;  // the cycle in quarter notes in the tempo modes
     float offset = 0.0f, multiplier = 1.0f;
+    // "Free" or "Trig Free" with the swing within 0.1 of 50: nothing of the transport reaches the lane,
+    // so a block whose rows did not move finds its settings as the last one left them.
+    bool followsRowsAlone = false;
 };
 
 struct LaneState {
@@ -124,6 +127,13 @@ struct LaneState {
     bool pendingReset = false;
     double pendingPhase = 0.0, pendingOffset = 0.0;
     BR::RandomRegister random;  // registerBits, randomState, editBit, editOperation
+    // A lane standing still at `standingPhase` (no increment) plays one place of one step until a
+    // trigger, a reset or a row moves it: which step (absolute), the step it leans to and the place
+    // within it, as the step loop found them. A pass then needs only the step values.
+    bool standing = false;
+    double standingPhase = 0.0;
+    int32_t standingStep = 0, standingNext = 0;
+    float standingWithin = 0.0f;
 };
 
 // What the step editor reads from the status block after each rendered sub-block.
@@ -155,9 +165,9 @@ public:
     const float* StepValues(int lane) const { return stepValues[lane]; }
     BR::MessageQueue& EditQueue() { return editQueue; }
     // With false every sample takes the full per-sample form (step search included), the reference
-    // that tests compare the in-step runs with. The output is the same either way.
+    // that tests compare the in-step runs and standing passes with. The output is the same either way.
     void SetInStepRuns(bool on) { inStepRuns = on; }
-    // Samples rendered so far by in-step runs (the rest took the full form).
+    // Samples rendered so far by in-step runs and standing passes (the rest took the full form).
     uint64_t InStepSamples() const { return inStepSamples; }
 
 protected:
@@ -167,12 +177,18 @@ private:
     // Returns the lane's rate in cycles per second, for a following lane in "Quadrature".
     double ReadLane(int lane, bool playing, double tempo, double position, double previousRate);
     void ReadLaneRows(int lane);
+    // ReadLane for a lane that follows its rows alone; returns its rate in cycles per second too.
+    double KeepLane(int lane);
     void ReadRandom(int lane);
     void WriteBackSteps(int lane);
     void ApplyEdits();
     void HandleTriggerReset(int lane, bool trigger, bool reset);
     void RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames);
+    // A lane's pass under swing: cut at the swing's boundaries, each part at its own speed.
+    void RenderSwung(int lane, const float* x, float* out, uint32_t frames);
     void RenderSteps(int lane, const float* x, float* out, uint32_t frames);
+    // A pass of a standing lane: the step loop's first sample, which meets no boundary, for them all.
+    void RenderStanding(int lane, const float* x, float* out, uint32_t frames);
     // The step loop, made for the pass's case: with or without a signal input, interpolated or not.
     // The first sample of a step takes the full form; the rest of the step runs without the search.
     template <bool kInput, bool kLinear>
@@ -188,6 +204,10 @@ private:
     float stepValues[kNumLanes][kNumSteps];  // mirror of the step rows; the random register writes here
     float dacBitValues[kNumLanes][BR::kNumDACBits];
     bool inputGate[4] = {};  // trigger L, reset L, trigger R, reset R
+    // The lines of those four that read an input, in that order: which of the four each is and the
+    // input it reads (from 0). Set in blocks where rows changed.
+    int32_t lineCount = 0;
+    int32_t lineSlot[4] = {}, lineInput[4] = {};
     bool wasPlaying = false;
     bool inStepRuns = true;
     uint64_t inStepSamples = 0;

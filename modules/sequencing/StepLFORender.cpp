@@ -2,6 +2,7 @@
 // swing splitting, and the per-sample step loop with its random register.
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "StepLFO.h"
 #include "framework/SampleKernels.h"
@@ -31,6 +32,32 @@ struct Asymmetry {
 
 int32_t StepOf(float pos, int32_t count) {
     return std::clamp(int32_t(pos), 0, count - 1);
+}
+
+// out[i] = v * stepGain + x[i] * inputGain + v * x[i] * productGain, four samples at a time where the
+// target has SSE2: each vector operation rounds as its scalar twin, in the same order.
+void MixInput(float* out, const float* x, uint32_t count, float v, float stepGain, float inputGain,
+              float productGain) {
+    uint32_t i = 0;
+#ifdef BR_SAMPLE_SSE2
+    const __m128 a = _mm_set1_ps(v * stepGain), vv = _mm_set1_ps(v), ig = _mm_set1_ps(inputGain),
+                 pg = _mm_set1_ps(productGain);
+    for (; i + 4 <= count; i += 4) {
+        const __m128 in = _mm_loadu_ps(x + i);
+        const __m128 sum = _mm_add_ps(a, _mm_mul_ps(in, ig));
+        _mm_storeu_ps(out + i, _mm_add_ps(sum, _mm_mul_ps(_mm_mul_ps(vv, in), pg)));
+    }
+#endif
+    for (; i < count; ++i)
+        out[i] = v * stepGain + x[i] * inputGain + v * x[i] * productGain;
+}
+
+// The standing pass applies: the lane stood at the end of its last pass and nothing moved it since.
+// The phase is compared bit for bit: whatever moved it (a trigger, a reset, the transport, the other
+// lane in "Quadrature") sends the pass through the step loop.
+bool Stands(const LaneState& st) {
+    return st.standing && st.increment == 0.0 &&
+           std::memcmp(&st.phase, &st.standingPhase, sizeof(double)) == 0;
 }
 
 }  // namespace
@@ -64,7 +91,9 @@ double BrelCorvane::PhaseOfStepStart(int lane, int32_t relativeStep) const {
     return phase;
 }
 
-void BrelCorvane::ApplyEdits() {
+inline void BrelCorvane::ApplyEdits() {
+    // Most blocks bring no edit: a look at the two indices spares the queue's call.
+    if ((editQueue.ReadIndex() + 1) % BR::MessageQueue::kNumItems == editQueue.WriteIndex()) return;
     while (BR::MessageQueueItem* item = editQueue.Read()) {
         if (item->channel < kNumLanes)
             lanes[item->channel].random.ApplyEdit(item->dataByte1, item->dataByte2);
@@ -74,6 +103,7 @@ void BrelCorvane::ApplyEdits() {
 void BrelCorvane::HandleTriggerReset(int lane, bool trigger, bool reset) {
     const LaneSettings& c = settings[lane];
     LaneState& st = lanes[lane];
+    if (trigger || reset) st.standing = false;
     const int32_t n = c.stepCount;
     const double x = st.phase * n;
     const double s = std::floor(x);
@@ -125,63 +155,145 @@ void BrelCorvane::HandleTriggerReset(int lane, bool trigger, bool reset) {
     }
 }
 
+inline void BrelCorvane::PublishStatus() {
+    StepLFOStatus& shown = status.As<StepLFOStatus>();
+    for (int lane = 0; lane < kNumLanes; ++lane) {
+        shown.displayPosition[lane] = lanes[lane].displayPosition;
+        shown.currentStep[lane] = lanes[lane].currentStep;
+        shown.registerBits[lane] = lanes[lane].random.registerBits;
+    }
+}
+
+inline void BrelCorvane::RenderStanding(int lane, const float* x, float* out, uint32_t frames) {
+    const LaneSettings& c = settings[lane];
+    const LaneState& st = lanes[lane];
+    const float* steps = stepValues[lane];
+    // The step values are read again at each pass, as the step loop does: a step set meanwhile shows.
+    const float within = st.standingWithin;
+    const float first = steps[st.standingStep];
+    float v = first;
+    if (c.linear) v += (steps[st.standingNext] - first) * within;
+    v = std::max(v, c.bipolar ? -1e6f : 0.0f);
+    if (within > c.gateLength) v = 0.0f;
+    v = v * c.multiplier + c.offset;
+    const float stepGain = c.stepGain, inputGain = c.inputGain, productGain = c.productGain;
+    if (x) {
+        MixInput(out, x, frames, v, stepGain, inputGain, productGain);
+    } else {
+        const float in = 0.0f;
+        BR::FillSamples(out, frames, v * stepGain + in * inputGain + v * in * productGain);
+    }
+    inStepSamples += frames;
+}
+
+void BrelCorvane::RenderSwung(int lane, const float* x, float* out, uint32_t frames) {
+    // Cut at the swing boundaries: the long part of each swing period runs slower, the short one faster.
+    LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const double amount = c.swingAmount, period = c.swingPeriod;
+    double swingPhase = c.swingPhase;
+    double increment = st.increment;
+    uint32_t done = 0;
+    while (done < frames) {
+        int64_t k;
+        double w;
+        if (swingPhase >= amount) {
+            k = int64_t((1.0 - swingPhase) * period + 1.0);
+            w = 1.0 - amount;
+        } else {
+            k = int64_t((amount - swingPhase) * period + 1.0);
+            w = amount;
+        }
+        const uint32_t m = uint32_t(std::clamp<int64_t>(k, 1, frames - done));
+        st.increment = increment * 0.5 / w;
+        RenderSteps(lane, x ? x + done : nullptr, out + done, m);
+        if (st.increment == 0.0) increment = 0.0;  // a triggered lane stopped at a step boundary
+        swingPhase += m / period;
+        if (swingPhase >= 1.0) swingPhase -= 1.0;
+        done += m;
+    }
+    st.increment = increment;
+    // A later sub-block of this host block goes on from here. Starting each sub-block from the
+    // position read at the block's start would replay the swing period already rendered, and the
+    // steps would move with the MIDI events and input edges that cut the block.
+    c.swingPhase = swingPhase;
+}
+
+inline void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t from,
+                                    uint32_t frames) {
+    if (frames == 0) return;
+    const LaneSettings& c = settings[lane];
+    LaneState& st = lanes[lane];
+    const float* x = c.signalInput ? inputs[c.signalInput - 1] + from : nullptr;
+    float* out = outputs[lane] + from;
+    if (c.swingAmount >= 0.0f) {
+        RenderSwung(lane, x, out, frames);
+    } else if (Stands(st)) {
+        RenderStanding(lane, x, out, frames);
+    } else {
+        RenderSteps(lane, x, out, frames);
+    }
+    st.smoother.Process(out, int32_t(frames));
+    // Back into [0, 1). Inside (0, 1) that subtracts 0 and changes nothing; the library's floor is a
+    // call on this target, so it runs only for the rest (a zero included: 0 - floor(0) is +0).
+    if (!(st.phase > 0.0 && st.phase < 1.0)) st.phase -= std::floor(st.phase);
+}
+
 void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames) {
     ApplyEdits();
-    const float* line[4];
-    bool anyLine = false;
-    for (int lane = 0; lane < kNumLanes; ++lane) {
-        const int32_t trigger = settings[lane].triggerInput, reset = settings[lane].resetInput;
-        line[2 * lane] = trigger ? inputs[trigger - 1] : nullptr;
-        line[2 * lane + 1] = reset ? inputs[reset - 1] : nullptr;
-        anyLine = anyLine || trigger || reset;
-    }
-    if (!anyLine) {
+    const int32_t n = lineCount;
+    if (n == 0) {
         for (int lane = 0; lane < kNumLanes; ++lane)
             RenderLane(lane, inputs, outputs, 0, frames);
         PublishStatus();
         return;
     }
 
-    // Each line's next rising edge; the earliest acts first, on all lines that rise on that sample.
-    // Lines that read the same input in the same gate state from the same sample (a trigger and a
-    // reset, or both lanes, on one input) find the same edge: it is scanned for once.
+    // Each connected line's next rising edge; the earliest acts first, on all lines that rise on that
+    // sample. Lines that read the same input in the same gate state from the same sample (a trigger
+    // and a reset, or both lanes, on one input) find the same edge: it is scanned for once.
+    const float* line[4];
     uint32_t next[4];
-    const auto scan = [&](const bool* which, uint32_t from) {
-        bool before[4] = {};
-        for (int l = 0; l < 4; ++l) {
-            if (!which[l]) continue;
-            before[l] = inputGate[l];
-            int same = -1;
-            for (int m = 0; m < l && same < 0; ++m)
-                if (which[m] && line[m] == line[l] && before[m] == inputGate[l]) same = m;
+    for (int32_t k = 0; k < n; ++k)
+        line[k] = inputs[lineInput[k]];
+    const auto scan = [&](uint32_t which, uint32_t from) {  // bit k: connected line k
+        bool before[4];
+        for (int32_t k = 0; k < n; ++k) {
+            if (!(which >> k & 1u)) continue;
+            bool& open = inputGate[lineSlot[k]];
+            before[k] = open;
+            int32_t same = -1;
+            for (int32_t j = 0; j < k && same < 0; ++j)
+                if ((which >> j & 1u) && line[j] == line[k] && before[j] == open) same = j;
             if (same >= 0) {
-                next[l] = next[same];
-                inputGate[l] = inputGate[same];
+                next[k] = next[same];
+                open = inputGate[lineSlot[same]];
             } else {
-                next[l] = BR::NextRisingEdge(line[l], from, frames, inputGate[l], kInputThresholds);
+                next[k] = BR::NextRisingEdge(line[k], from, frames, open, kInputThresholds);
             }
         }
     };
-    bool connected[4];
-    for (int l = 0; l < 4; ++l) {
-        connected[l] = line[l] != nullptr;
-        next[l] = frames;
-    }
-    scan(connected, 0);
+    scan((1u << n) - 1u, 0);
     uint32_t rendered = 0;
     for (;;) {
-        const uint32_t edge = *std::min_element(next, next + 4);
+        uint32_t edge = frames;
+        for (int32_t k = 0; k < n; ++k)
+            edge = std::min(edge, next[k]);
         if (edge >= frames) break;
-        bool fired[4];
-        for (int l = 0; l < 4; ++l)
-            fired[l] = next[l] == edge;
+        bool fired[4] = {};  // trigger L, reset L, trigger R, reset R
+        uint32_t firedLines = 0;
+        for (int32_t k = 0; k < n; ++k)
+            if (next[k] == edge) {
+                fired[lineSlot[k]] = true;
+                firedLines |= 1u << k;
+            }
         HandleTriggerReset(0, fired[0], fired[1]);
         HandleTriggerReset(1, fired[2], fired[3]);
         // The samples since the last rendering, the edge's own included, come out in the new state.
         for (int lane = 0; lane < kNumLanes; ++lane)
             RenderLane(lane, inputs, outputs, rendered, edge + 1 - rendered);
         rendered = edge + 1;
-        scan(fired, edge + 1);
+        scan(firedLines, edge + 1);
     }
     if (rendered < frames)
         for (int lane = 0; lane < kNumLanes; ++lane)
@@ -189,50 +301,11 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
     PublishStatus();
 }
 
-void BrelCorvane::RenderLane(int lane, float** inputs, float** outputs, uint32_t from, uint32_t frames) {
-    if (frames == 0) return;
-    LaneSettings& c = settings[lane];
-    LaneState& st = lanes[lane];
-    const float* x = c.signalInput ? inputs[c.signalInput - 1] + from : nullptr;
-    float* out = outputs[lane] + from;
-
-    if (c.swingAmount < 0.0f) {
-        RenderSteps(lane, x, out, frames);
-    } else {
-        // Cut at the swing boundaries: the long part of each swing period runs slower, the short one faster.
-        const double amount = c.swingAmount, period = c.swingPeriod;
-        double swingPhase = c.swingPhase;
-        double increment = st.increment;
-        uint32_t done = 0;
-        while (done < frames) {
-            int64_t k;
-            double w;
-            if (swingPhase >= amount) {
-                k = int64_t((1.0 - swingPhase) * period + 1.0);
-                w = 1.0 - amount;
-            } else {
-                k = int64_t((amount - swingPhase) * period + 1.0);
-                w = amount;
-            }
-            const uint32_t m = uint32_t(std::clamp<int64_t>(k, 1, frames - done));
-            st.increment = increment * 0.5 / w;
-            RenderSteps(lane, x ? x + done : nullptr, out + done, m);
-            if (st.increment == 0.0) increment = 0.0;  // a triggered lane stopped at a step boundary
-            swingPhase += m / period;
-            if (swingPhase >= 1.0) swingPhase -= 1.0;
-            done += m;
-        }
-        st.increment = increment;
-        // A later sub-block of this host block goes on from here. Starting each sub-block from the
-        // position read at the block's start would replay the swing period already rendered, and the
-        // steps would move with the MIDI events and input edges that cut the block.
-        c.swingPhase = swingPhase;
-    }
-    st.smoother.Process(out, int32_t(frames));
-    st.phase -= std::floor(st.phase);
-}
-
 void BrelCorvane::RenderSteps(int lane, const float* x, float* out, uint32_t frames) {
+    if (Stands(lanes[lane])) {
+        RenderStanding(lane, x, out, frames);
+        return;
+    }
     const bool linear = settings[lane].linear;
     if (x) {
         if (linear) {
@@ -262,6 +335,7 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
     double phase = st.phase, increment = st.increment;
     int32_t current = st.currentStep;
     float u = 0.0f;
+    st.standing = false;
 
     // The step's value `v` at a place `within` the step, through the floor, the gate and the mapping;
     // then mixed with the input of sample i.
@@ -324,10 +398,22 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
         ++i;
         if (increment == 0.0 && phase >= 0.0 && phase < 1.0) {
             // Standing (a triggered lane waiting, or no rate): every further sample of this pass meets
-            // the same phase, step and value, so only the input's share moves.
+            // the same phase, step and value, so only the input's share moves. So do later passes
+            // until something moves the lane.
+            if (inStepRuns) {
+                st.standing = true;
+                st.standingPhase = phase;
+                st.standingStep = index;
+                st.standingNext = start + next;
+                st.standingWithin = pos - stepStart;
+            }
             if constexpr (kInput) {
-                for (uint32_t j = i; j < frames; ++j)
-                    out[j] = mix(v, j);
+                if (inStepRuns) {
+                    MixInput(out + i, x + i, frames - i, v, stepGain, inputGain, productGain);
+                } else {
+                    for (uint32_t j = i; j < frames; ++j)
+                        out[j] = mix(v, j);
+                }
             } else {
                 BR::FillSamples(out + i, frames - i, out[i - 1]);
             }
@@ -373,15 +459,6 @@ void BrelCorvane::StepLoop(int lane, const float* x, float* out, uint32_t frames
     st.increment = increment;
     st.currentStep = current;
     st.displayPosition = float(start) + u * float(count);
-}
-
-void BrelCorvane::PublishStatus() {
-    StepLFOStatus& shown = status.As<StepLFOStatus>();
-    for (int lane = 0; lane < kNumLanes; ++lane) {
-        shown.displayPosition[lane] = lanes[lane].displayPosition;
-        shown.currentStep[lane] = lanes[lane].currentStep;
-        shown.registerBits[lane] = lanes[lane].random.registerBits;
-    }
 }
 
 }  // namespace BrelCorvaneStepLFO

@@ -1,6 +1,6 @@
 // The four-at-a-time sample kernels give what their plain scalar loops give, bit for bit, at every
-// length and start around the vector widths, with not-a-number, infinite, signed-zero and threshold
-// samples; the edge searches stop exactly where a scalar search stops.
+// length and start around the vector widths (4, 8 and 16), with not-a-number, infinite, signed-zero and
+// threshold samples; the edge searches stop exactly where a scalar search stops.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -56,7 +56,7 @@ TEST(SampleKernels, ScaleOffsetMatchesTheScalarLoop) {
 
 TEST(SampleKernels, SearchesStopWhereScalarSearchesStop) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (uint32_t n = 0; n < 48; ++n) {
+    for (uint32_t n = 0; n < 72; ++n) {  // past two sixteen-sample tests, an eight and a tail
         for (uint32_t at = 0; at <= n; ++at) {
             // Below the level everywhere but at `at` (exactly on it), then a NaN two samples later.
             std::vector<float> low(n, -0.5f), high(n, 0.75f);
