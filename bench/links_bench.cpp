@@ -1,7 +1,7 @@
-// Hardware links per frame at a block of 256: the Cinder and Dunmore Combiners with every filter on,
-// the AC Encoder, CV Input's Elkhorn decoder, and the hardware modes of the Voice Controller and Sync.
-// Each is paired with a plain loop doing the same arithmetic on bare arrays, or with its own module's
-// plain mode where the frame replaces a plain rendering.
+// Hardware links per frame at blocks of 32, 256 and 1024: the Cinder and Dunmore Combiners with every
+// filter on, the AC Encoder, CV Input's Elkhorn decoder, and the hardware modes of the Voice Controller
+// and Sync. Each is paired with a plain loop doing the same arithmetic on bare arrays, or with its own
+// module's plain mode where the frame replaces a plain rendering.
 #include <algorithm>
 #include <cmath>
 
@@ -10,8 +10,6 @@
 #include "modules/hardware/LowpassDesign.h"
 
 namespace {
-
-constexpr uint32_t kBlock = 256;
 
 void Fill(BR::Bench::ModuleRig& rig) {
     for (size_t c = 0; c < rig.in.size(); ++c)
@@ -26,14 +24,14 @@ void RunRig(benchmark::State& state, BR::Bench::ModuleRig& rig) {
 }
 
 void BM_Cinder(benchmark::State& state) {
-    BR::Bench::ModuleRig rig("cindercombiner", kBlock);
+    BR::Bench::ModuleRig rig("cindercombiner", uint32_t(state.range(0)));
     for (int k = 1; k <= 4; ++k)
         rig.driver->SetParameterByName("Filter " + std::to_string(k), 1.0f);
     RunRig(state, rig);
 }
 
 void BM_Dunmore(benchmark::State& state) {
-    BR::Bench::ModuleRig rig("dunmorecombiner", kBlock);
+    BR::Bench::ModuleRig rig("dunmorecombiner", uint32_t(state.range(0)));
     for (int k = 1; k <= 8; ++k)
         rig.driver->SetParameterByName("Filter " + std::to_string(k), 1.0f);
     RunRig(state, rig);
@@ -42,20 +40,21 @@ void BM_Dunmore(benchmark::State& state) {
 // N fifth-order filters, a 12-bit value and a byte per sample, the byte into a word and a sample.
 template <int N>
 void BM_PlainCombiner(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
     BR::LowpassCoefficients<5> c;
     c.Design(-1.0, 0.045);
     BR::FifthOrderFilter filters[N];
     for (auto& f : filters)
         f.SetCoefficients(&c);
-    std::vector<float> in[N], l(kBlock), r(kBlock);
+    std::vector<float> in[N], l(block), r(block);
     for (int k = 0; k < N; ++k) {
-        in[k].resize(kBlock);
-        for (uint32_t i = 0; i < kBlock; ++i)
+        in[k].resize(block);
+        for (uint32_t i = 0; i < block; ++i)
             in[k][i] = 0.7f * std::sin(0.37f * float(i) + float(k));
     }
     int32_t phase = 0;
     for (auto _ : state) {
-        for (uint32_t i = 0; i < kBlock; ++i) {
+        for (uint32_t i = 0; i < block; ++i) {
             float x[N];
             for (int k = 0; k < N; ++k)
                 x[k] = filters[k].Process(in[k][i]);
@@ -68,24 +67,25 @@ void BM_PlainCombiner(benchmark::State& state) {
         benchmark::DoNotOptimize(l.data());
         benchmark::ClobberMemory();
     }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::CountFrames(state, block);
 }
 
 void BM_ACEncoder(benchmark::State& state) {
-    BR::Bench::ModuleRig rig("acencoder", kBlock);
+    BR::Bench::ModuleRig rig("acencoder", uint32_t(state.range(0)));
     rig.driver->SetParameterByName("Enable L", 1.0f);
     rig.driver->SetParameterByName("Enable R", 1.0f);
     RunRig(state, rig);
 }
 
 void BM_PlainCarrier(benchmark::State& state) {
-    std::vector<float> in[2] = {std::vector<float>(kBlock, 0.3f), std::vector<float>(kBlock, -0.2f)};
-    std::vector<float> out[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
+    const uint32_t block = uint32_t(state.range(0));
+    std::vector<float> in[2] = {std::vector<float>(block, 0.3f), std::vector<float>(block, -0.2f)};
+    std::vector<float> out[2] = {std::vector<float>(block), std::vector<float>(block)};
     float phase[2] = {0.0f, 0.0f};
     for (auto _ : state) {
         for (int c = 0; c < 2; ++c) {
             float p = phase[c];
-            for (uint32_t i = 0; i < kBlock; ++i) {
+            for (uint32_t i = 0; i < block; ++i) {
                 const float a = std::clamp(0.5f * in[c][i] + 0.5f, 0.0f, 1.0f);
                 p = 1.0f - p;
                 out[c][i] = (p * 2.0f - 1.0f) * a;
@@ -95,11 +95,11 @@ void BM_PlainCarrier(benchmark::State& state) {
         benchmark::DoNotOptimize(out[0].data());
         benchmark::ClobberMemory();
     }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::CountFrames(state, block);
 }
 
 void BM_CVInputElkhorn(benchmark::State& state) {
-    BR::Bench::ModuleRig rig("cvinput", kBlock);
+    BR::Bench::ModuleRig rig("cvinput", uint32_t(state.range(0)));
     rig.driver->SetParameterByName("Mode L", 2.0f);
     rig.driver->SetParameterByName("Mode R", 2.0f);
     RunRig(state, rig);
@@ -107,18 +107,19 @@ void BM_CVInputElkhorn(benchmark::State& state) {
 
 // Per channel and sample: the phase step, a cosine and a sine, the loop update and a tenth order.
 void BM_PlainPll(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
     BR::LowpassCoefficients<10> c;
     c.Design(0.0, 0.117);
     BR::TenthOrderFilter filters[2];
     for (auto& f : filters)
         f.SetCoefficients(&c);
-    std::vector<float> in(kBlock), out[2] = {std::vector<float>(kBlock), std::vector<float>(kBlock)};
-    for (uint32_t i = 0; i < kBlock; ++i)
+    std::vector<float> in(block), out[2] = {std::vector<float>(block), std::vector<float>(block)};
+    for (uint32_t i = 0; i < block; ++i)
         in[i] = 0.5f * std::sin(2.2f * float(i));
     double phase[2] = {0.0, 0.0}, omega[2] = {106814.0, 106814.0}, last[2] = {0.0, 0.0};
     for (auto _ : state) {
         for (int ch = 0; ch < 2; ++ch) {
-            for (uint32_t i = 0; i < kBlock; ++i) {
+            for (uint32_t i = 0; i < block; ++i) {
                 phase[ch] += omega[ch] / 48000.0;
                 if (phase[ch] > 3.14159265358979) phase[ch] -= 6.28318530717959;
                 const double e = std::cos(phase[ch]) * in[i] * 10000.0;
@@ -130,11 +131,11 @@ void BM_PlainPll(benchmark::State& state) {
         benchmark::DoNotOptimize(out[0].data());
         benchmark::ClobberMemory();
     }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::CountFrames(state, block);
 }
 
 void VoiceController(benchmark::State& state, float hardwareMode) {
-    BR::Bench::ModuleRig rig("voicecontroller", kBlock);
+    BR::Bench::ModuleRig rig("voicecontroller", uint32_t(state.range(0)));
     rig.driver->SetParameterByName("Hardware Mode", hardwareMode);
     RunRig(state, rig);
 }
@@ -152,7 +153,7 @@ void BM_VoiceControllerDunmore(benchmark::State& state) {
 }
 
 void Sync(benchmark::State& state, float hardwareMode) {
-    BR::Bench::ModuleRig rig("sync", kBlock);
+    BR::Bench::ModuleRig rig("sync", uint32_t(state.range(0)));
     rig.driver->SetParameterByName("BR Hardware Mode", hardwareMode);
     rig.driver->SetParameterByName("DINsync Type", 1.0f);
     rig.driver->SetParameterByName("Enable FSK", 1.0f);
@@ -165,31 +166,36 @@ void BM_SyncArdent(benchmark::State& state) {
     Sync(state, 1.0f);
 }
 
-BENCHMARK(BM_Cinder);
-BENCHMARK(BM_PlainCombiner<4>);
-BENCHMARK(BM_Dunmore);
-BENCHMARK(BM_PlainCombiner<8>);
-BENCHMARK(BM_ACEncoder);
-BENCHMARK(BM_PlainCarrier);
-BENCHMARK(BM_CVInputElkhorn);
-BENCHMARK(BM_PlainPll);
-BENCHMARK(BM_VoiceControllerPlain);
-BENCHMARK(BM_VoiceControllerArdent);
-BENCHMARK(BM_VoiceControllerCinder);
-BENCHMARK(BM_VoiceControllerDunmore);
-BENCHMARK(BM_SyncPlain);
-BENCHMARK(BM_SyncArdent);
+BENCHMARK(BM_Cinder)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainCombiner<4>)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_Dunmore)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainCombiner<8>)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_ACEncoder)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainCarrier)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_CVInputElkhorn)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainPll)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_VoiceControllerPlain)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_VoiceControllerArdent)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_VoiceControllerCinder)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_VoiceControllerDunmore)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_SyncPlain)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_SyncArdent)->Arg(32)->Arg(256)->Arg(1024);
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    return BR::Bench::RunWithRatios(argc, argv,
-                                    {{"BM_Cinder", "BM_PlainCombiner<4>"},
-                                     {"BM_Dunmore", "BM_PlainCombiner<8>"},
-                                     {"BM_ACEncoder", "BM_PlainCarrier"},
-                                     {"BM_CVInputElkhorn", "BM_PlainPll"},
-                                     {"BM_VoiceControllerArdent", "BM_VoiceControllerPlain"},
-                                     {"BM_VoiceControllerCinder", "BM_VoiceControllerPlain"},
-                                     {"BM_VoiceControllerDunmore", "BM_VoiceControllerPlain"},
-                                     {"BM_SyncArdent", "BM_SyncPlain"}});
+    const std::pair<const char*, const char*> pairs[] = {
+        {"BM_Cinder", "BM_PlainCombiner<4>"},
+        {"BM_Dunmore", "BM_PlainCombiner<8>"},
+        {"BM_ACEncoder", "BM_PlainCarrier"},
+        {"BM_CVInputElkhorn", "BM_PlainPll"},
+        {"BM_VoiceControllerArdent", "BM_VoiceControllerPlain"},
+        {"BM_VoiceControllerCinder", "BM_VoiceControllerPlain"},
+        {"BM_VoiceControllerDunmore", "BM_VoiceControllerPlain"},
+        {"BM_SyncArdent", "BM_SyncPlain"}};
+    std::vector<std::pair<std::string, std::string>> ratios;
+    for (const auto& [module, plain] : pairs)
+        for (const char* block : {"/32", "/256", "/1024"})
+            ratios.emplace_back(std::string(module) + block, std::string(plain) + block);
+    return BR::Bench::RunWithRatios(argc, argv, ratios);
 }

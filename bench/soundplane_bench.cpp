@@ -1,6 +1,6 @@
-// Soundplane rendered through RenderAudio: one touch through the default matrix onto six outputs, two
-// of them smoothed (a slew and a one-pole), against a plain loop that fills six outputs with their
-// values and smooths the same two.
+// Soundplane rendered through RenderAudio at three block sizes: one touch through the default matrix onto six
+// outputs, two of them smoothed (a slew and a one-pole), against a plain loop that fills six outputs with
+// their values and smooths the same two.
 #include <cmath>
 
 #include "BenchSupport.h"
@@ -9,10 +9,9 @@
 
 namespace {
 
-constexpr uint32_t kBlock = 256;
-
 void BM_SoundplaneRender(benchmark::State& state) {
-    BR::Bench::ModuleRig rig("soundplane", kBlock);
+    const uint32_t block = uint32_t(state.range(0));
+    BR::Bench::ModuleRig rig("soundplane", block);
     rig.driver->SetParameterByName("Output 1 Smoothing", 5.0f);
     rig.driver->SetParameterByName("Output 5 Smoothing", -5.0f);
     BR::TouchEntry& touch = BR::touchTable[0];
@@ -28,11 +27,12 @@ void BM_SoundplaneRender(benchmark::State& state) {
         benchmark::DoNotOptimize(rig.out[0].data());
         benchmark::ClobberMemory();
     }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::CountFrames(state, block);
 }
 
 void BM_PlainLoop(benchmark::State& state) {
-    std::vector<std::vector<float>> out(6, std::vector<float>(kBlock));
+    const uint32_t block = uint32_t(state.range(0));
+    std::vector<std::vector<float>> out(6, std::vector<float>(block));
     BR::OutputSmoother slew, onePole;
     slew.Configure(5.0f, 48000.0f);
     onePole.Configure(-5.0f, 48000.0f);
@@ -44,19 +44,22 @@ void BM_PlainLoop(benchmark::State& state) {
         ++n;
         for (int k = 0; k < 6; ++k)
             std::fill(out[size_t(k)].begin(), out[size_t(k)].end(), values[k]);
-        slew.Process(out[0].data(), int(kBlock));
-        onePole.Process(out[4].data(), int(kBlock));
+        slew.Process(out[0].data(), int(block));
+        onePole.Process(out[4].data(), int(block));
         benchmark::DoNotOptimize(out[0].data());
         benchmark::ClobberMemory();
     }
-    BR::Bench::CountFrames(state, kBlock);
+    BR::Bench::CountFrames(state, block);
 }
 
-BENCHMARK(BM_SoundplaneRender);
-BENCHMARK(BM_PlainLoop);
+BENCHMARK(BM_SoundplaneRender)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainLoop)->Arg(32)->Arg(256)->Arg(1024);
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    return BR::Bench::RunWithRatios(argc, argv, {{"BM_SoundplaneRender", "BM_PlainLoop"}});
+    return BR::Bench::RunWithRatios(argc, argv,
+                                    {{"BM_SoundplaneRender/32", "BM_PlainLoop/32"},
+                                     {"BM_SoundplaneRender/256", "BM_PlainLoop/256"},
+                                     {"BM_SoundplaneRender/1024", "BM_PlainLoop/1024"}});
 }
