@@ -33,6 +33,15 @@ inline void CountFrames(benchmark::State& state, int64_t framesPerIteration) {
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
+// Hides a value from the optimiser, so that a plain loop cannot fold it into constants, and keeps its
+// value. Plain loops use this rather than benchmark::DoNotOptimize on a scalar: that one's "+m,r" form
+// makes GCC 12 read the variable from a stack slot it was never stored to (a float set to 1 before the
+// loop reads as whatever the slot held), so the loop would compute on garbage.
+template <class T>
+inline void KeepOpaque(T& value) {
+    asm volatile("" : "+m"(value) : : "memory");
+}
+
 // The two inputs most benchmarks feed: sines of 0.05 and 0.03 radians a sample, scaled by `gain`.
 inline void FillTestSignals(std::vector<float>& left, std::vector<float>& right, double gain = 1.0) {
     for (size_t i = 0; i < left.size(); ++i)

@@ -271,7 +271,11 @@ int32_t CacheEntryOf(EnvSegmentCache& cache, EnvStage& stage, float level) {
     if (stage.samplesLeft < EnvSegmentCache::kShortest) return -1;
     const uint32_t start = Bits(level), c = Bits(stage.coefficient), add = Bits(stage.increment),
                    target = Bits(stage.target);
-    int32_t found = -1, oldest = 0;
+    // The victim for a new key: the least recently used entry of those not hit lately (an entry copied
+    // within the last kKeep segment starts stays: a steady pattern of more segments than entries then
+    // keeps copying the ones it holds, where plain LRU would evict each just before its next use).
+    int32_t found = -1, victim = -1;
+    ++cache.clock;  // counts segment starts, cached or not
     for (int32_t k = 0; k < EnvSegmentCache::kEntries; ++k) {
         const EnvSegmentCache::Entry& e = cache.entries[k];
         if (e.start == start && e.coefficient == c && e.increment == add && e.target == target &&
@@ -279,10 +283,29 @@ int32_t CacheEntryOf(EnvSegmentCache& cache, EnvStage& stage, float level) {
             found = k;
             break;
         }
-        if (e.lastUse < cache.entries[oldest].lastUse) oldest = k;
+        const bool hitLately = e.lastHit != 0 && cache.clock - e.lastHit <= EnvSegmentCache::kKeep;
+        if (!hitLately && (victim < 0 || e.lastUse < cache.entries[victim].lastUse)) victim = k;
     }
-    if (found < 0) {
-        found = oldest;
+    if (found >= 0) {
+        cache.entries[found].lastHit = cache.clock;
+    } else {
+        // A key met for the first time takes only an entry that is neither hit lately nor filled
+        // lately; one met before (a segment that repeats) takes any entry not hit lately. Transient
+        // segments (levels still settling) thus give way to repeating ones at their second start.
+        const uint32_t hash = (start * 0x9E3779B1u) ^ (c * 0x85EBCA77u) ^ (add * 0xC2B2AE3Du) ^ target ^
+                              (stage.falling ? 0x27D4EB2Fu : 0u);
+        bool seen = false;
+        for (uint32_t h : cache.seen)
+            seen = seen || h == hash;
+        const bool fresh = victim >= 0 && cache.entries[victim].filled != 0 &&
+                           cache.clock - cache.entries[victim].lastUse <= EnvSegmentCache::kKeep;
+        if (victim < 0 || (fresh && !seen)) {
+            cache.seen[cache.seenNext] = hash;
+            cache.seenNext = (cache.seenNext + 1) % EnvSegmentCache::kSeen;
+            return -1;
+        }
+        found = victim;
+        cache.entries[found].lastHit = 0;
         EnvSegmentCache::Entry& e = cache.entries[found];
         e.start = start;
         e.coefficient = c;
@@ -293,7 +316,7 @@ int32_t CacheEntryOf(EnvSegmentCache& cache, EnvStage& stage, float level) {
         e.filled = 0;
         ++e.generation;
     }
-    cache.entries[found].lastUse = ++cache.clock;
+    cache.entries[found].lastUse = cache.clock;
     stage.cacheEntry = found;
     stage.cacheGeneration = cache.entries[found].generation;
     return found;

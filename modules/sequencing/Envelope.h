@@ -56,12 +56,17 @@ struct EnvStage {
 // target and its direction: a segment that starts again with the same bits of all five (as at a
 // steady gate rate most do) repeats the same samples, which are then copied instead of run through
 // the chain, bit for bit. Entries fill while a segment is first rendered, in the order it renders;
-// the least recently used one is taken for a new segment. Fixed size, owned by the module and made
-// with it: rendering never allocates.
+// the least recently used one is taken for a new segment, unless it is still in use (kKeep). Fixed
+// size, owned by the module and made with it (its pages written then, so that the audio thread never
+// meets a first touch): rendering never allocates. Eight entries of 2048 levels, 64 KiB an instance:
+// a steady gate needs three or four entries (attack, decay, release), a pattern that repeats only
+// every few periods up to twelve, of which the kept ones still copy.
 struct EnvSegmentCache {
-    static constexpr int32_t kEntries = 16;
-    static constexpr uint32_t kCapacity = 2048;  // samples per entry (43 ms at 48 kHz); later ones run
-    static constexpr uint32_t kShortest = 32;    // segments shorter than this always run the chain
+    static constexpr int32_t kEntries = 8;
+    static constexpr uint32_t kCapacity = 2048;      // samples per entry (43 ms at 48 kHz); later ones run
+    static constexpr uint32_t kShortest = 32;        // segments shorter than this always run the chain
+    static constexpr uint64_t kKeep = 2 * kEntries;  // segment starts an entry in use is kept for
+    static constexpr uint32_t kSeen = 16;            // keys of segments that found no entry, remembered
     struct Entry {
         uint32_t start = 0, coefficient = 0, increment = 0, target = 0;  // bit patterns of the key
         bool falling = false;
@@ -69,11 +74,14 @@ struct EnvSegmentCache {
         float endLevel = 0.0f;    // the overshot level it then kept
         uint32_t filled = 0;      // samples held, from the segment's start
         uint32_t generation = 0;  // moves on whenever the entry is given to another key
-        uint64_t lastUse = 0;
+        uint64_t lastUse = 0;     // segment start that last took or found it
+        uint64_t lastHit = 0;     // segment start that last found it filled (0: not since it was taken)
     };
     Entry entries[kEntries];
     float levels[kEntries][kCapacity];
     uint64_t clock = 0;
+    uint32_t seen[kSeen] = {};
+    uint32_t seenNext = 0;
     uint64_t copied = 0, computed = 0;  // samples of cached segments copied and run, for tests and benchmarks
 };
 

@@ -267,6 +267,7 @@ void BrelCorvane::InitModule() {
     for (BR::OutputSmoother& s : smoother)
         s.Reset();
     std::fill(smoothingUsed, smoothingUsed + kNumOutputs, 0.0f);
+    mixPlanned = false;
     smoothingRate = 0.0f;
     portamentoSamplesUsed = -1.0f;
     exponentialCoefficient = 0.0f;
@@ -414,6 +415,7 @@ void BrelCorvane::ReadRows() {
         }
     }
     smoothingRate = sampleRate;
+    ++rowsRead;
 
     hardwareMode = std::clamp(int32_t(BlockValue(kHardwareMode)), 0, 3);
     if (hardwareMode == 1)
@@ -491,9 +493,7 @@ int32_t BrelCorvane::GetProperty(uint32_t id, void* data) {
             return BR::kNoErr;
         }
         case kPropertyPolyPlace:
-            // The place as of this instance's last block or sub-block start, as its render path sees it.
-            if (mode == kModeMaster) return BR::PutProperty(data, int32_t(-1));
-            return BR::PutProperty(data, polyMode == kPolyVoice ? voiceId : int32_t(0));
+            return BR::PutProperty(data, PolyPlace());
         default:
             return BrelCorvaneBase::GetProperty(id, data);
     }

@@ -8,6 +8,7 @@
 #include "Calibration.h"
 #include "CalibrationProperties.h"
 #include "Envelope.h"
+#include "VoiceMix.h"
 #include "framework/BrelCorvaneBase.h"
 #include "framework/Smoothing.h"
 #include "modules/hardware/CombinerStream.h"
@@ -137,6 +138,9 @@ public:
     BR::CalibrationTable& Calibration() { return calibration.table; }
     const std::string& CalibrationName() const { return calibration.name; }
     int32_t GetMode() const { return mode; }
+    // -1 for a master, the voice number for a voice, else 0: the place as of this instance's last block
+    // or sub-block start, as its render path sees it (property 64019).
+    int32_t PolyPlace() const { return mode == kModeMaster ? -1 : polyMode == kPolyVoice ? voiceId : 0; }
     int32_t VoiceNote(int32_t voice) const { return voiceNote[voice]; }
     int32_t HeldNote(int32_t note) const { return heldNotes[note]; }
     int32_t HeldCount() const { return heldCount; }
@@ -196,6 +200,7 @@ private:
     void RenderPitch(float* slot, uint32_t frames);
     // With `smooth`, each mixed output also passes its smoother in the same loop, as Smooth would.
     void MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput, bool smooth);
+    void PlanOutputs(int32_t firstOutput, bool smooth);
     void Smooth(float** outputs, uint32_t offset, uint32_t frames);
     // Replaces the first outputs by frame words in a hardware mode.
     void EncodeHardware(float** outputs, uint32_t offset, uint32_t frames);
@@ -263,6 +268,13 @@ private:
     uint32_t triggerLengthSamples;
     float mix[kNumOutputs][kNumSources];
     BR::OutputSmoother smoother[kNumOutputs];  // slewStep, onePoleCoefficient, smoothState per output
+    // The output stage's plan and what it was made from; rowsRead counts the runs of ReadRows (and
+    // resets), the only places the matrix and the smoothers' settings change.
+    MixPlan mixPlan;
+    int32_t mixSources[kMaxMoving];  // scratch slot of each planned signal
+    uint32_t rowsRead = 0, mixPlanRows = 0;
+    bool mixPlanned = false, mixPlanPortamento = false, mixPlanSmooth = false;
+    int32_t mixPlanFirstOutput = 0;
     int32_t hardwareMode, targetHardware, targetChannel, interfaceCategory;
     bool bipolar[3];
     // Encoder states of "Cinder" and "Dunmore": phase and latched value run on across blocks; the

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <typeinfo>
 
 #include "VoiceController.h"
 #include "framework/InstanceRegistry.h"
@@ -13,15 +14,19 @@ namespace {
 
 constexpr float kVelocityScale = 0.007874016f;
 
-int32_t PolyPlace(BrelCorvaneBase& instance) {
-    int32_t place = 0;
-    return instance.GetProperty(kPropertyPolyPlace, &place) == BR::kNoErr ? place : 0;
+// The instance as a Voice Controller, or null. Only Voice Controllers have a poly place; the test of
+// the exact type (no class derives from this one) costs a compare where a dynamic_cast walked the
+// type tree, and it runs for every instance at every marker and note.
+const BrelCorvane* AsVoiceController(const BrelCorvaneBase* instance) {
+    return typeid(*instance) == typeid(BrelCorvane) ? static_cast<const BrelCorvane*>(instance) : nullptr;
 }
 
 // Caller holds the registry lock: the first instance that says it is a master.
 const BrelCorvane* FindMaster() {
-    for (size_t k = 0; BrelCorvaneBase* instance = BR::InstanceRegistry::InstanceAt(k); ++k)
-        if (PolyPlace(*instance) == -1) return dynamic_cast<const BrelCorvane*>(instance);
+    for (size_t k = 0; BrelCorvaneBase* instance = BR::InstanceRegistry::InstanceAt(k); ++k) {
+        const BrelCorvane* vc = AsVoiceController(instance);
+        if (vc && vc->PolyPlace() == -1) return vc;
+    }
     return nullptr;
 }
 
@@ -33,10 +38,10 @@ int32_t pickVoice(int32_t current, int32_t polyphony) {
     int32_t best = 1, bestScore = 999;
     int32_t scores[kMaxVoices + 1] = {};
     for (size_t k = 0; BrelCorvaneBase* instance = BR::InstanceRegistry::InstanceAt(k); ++k) {
-        const int32_t q = PolyPlace(*instance);
-        if (q < 1 || q > polyphony) continue;
-        const auto* voice = dynamic_cast<const BrelCorvane*>(instance);
+        const BrelCorvane* voice = AsVoiceController(instance);
         if (!voice) continue;
+        const int32_t q = voice->PolyPlace();
+        if (q < 1 || q > polyphony) continue;
         // Idle 0; in release 1 to 3; in attack or sustain at least 11.
         int32_t score = 0;
         for (int32_t e = 0; e < kNumEnvelopes; ++e) {

@@ -13,59 +13,7 @@ namespace {
 
 // Coefficients at or below this magnitude leave a moving signal out of the mix altogether.
 constexpr float kMixThreshold = 0.001f;
-constexpr int32_t kMaxMoving = 5;  // pitch, Env1, Env2, Env3, trigger
-
-template <int N>
-void MixLoop(float* y, float base, const float* const* signals, const float* coefficients, uint32_t frames,
-             BR::OutputSmoother* smoother) {
-    const float* s[N > 0 ? N : 1];
-    float c[N > 0 ? N : 1];
-    for (int k = 0; k < N; ++k) {
-        s[k] = signals[k];
-        c[k] = coefficients[k];
-    }
-    // Unrolled, so that the signal pointers and coefficients stay in registers; the sum keeps its
-    // order, term by term.
-    auto mix = [&](uint32_t i) {
-        float v = base;
-#pragma GCC unroll 8
-        for (int k = 0; k < N; ++k)
-            v += c[k] * s[k][i];
-        return v;
-    };
-    if (!smoother || (!(smoother->slewStep > 0.0f) && !(smoother->smoothCoefficient > 0.0f))) {
-        for (uint32_t i = 0; i < frames; ++i)
-            y[i] = mix(i);
-        if (smoother && frames != 0) smoother->smoothState = y[frames - 1];
-        return;
-    }
-    // The smoother's own arithmetic on each mixed sample, while it is still in a register: the
-    // slew's chain from sample to sample hides the mix's work.
-    float state = smoother->smoothState;
-    if (smoother->slewStep > 0.0f) {
-        const float step = smoother->slewStep;
-        for (uint32_t i = 0; i < frames; ++i) {
-            const float v = mix(i);
-            const float d = v - state;
-            if (d >= step) {
-                state += step;
-            } else if (d <= -step) {
-                state -= step;
-            } else {
-                state = v;
-            }
-            y[i] = state;
-        }
-    } else {
-        const float k = smoother->smoothCoefficient;
-        for (uint32_t i = 0; i < frames; ++i) {
-            const float v = mix(i);
-            state = (state - v) * k + v;
-            y[i] = state;
-        }
-    }
-    if (frames != 0) smoother->smoothState = state;
-}
+static_assert(kMixOutputs == kNumOutputs, "the output stage has a lane per output");
 
 }  // namespace
 
@@ -145,48 +93,57 @@ void BrelCorvane::StartGlide() {
 
 void BrelCorvane::MixOutputs(float** outputs, uint32_t offset, uint32_t frames, int32_t firstOutput,
                              bool smooth) {
+    // The plan follows the matrix and smoothing rows, the portamento and the mode; a voice renders a
+    // slice at every marker of its master, so it is made again only when one of those moved.
+    if (!mixPlanned || mixPlanRows != rowsRead || mixPlanPortamento != portamentoActive ||
+        mixPlanFirstOutput != firstOutput || mixPlanSmooth != smooth)
+        PlanOutputs(firstOutput, smooth);
     const float* slots = scratch.data();
-    for (int32_t o = firstOutput; o < kNumOutputs; ++o) {
+    const float* signals[kMaxMoving];
+    for (int32_t k = 0; k < mixPlan.numSignals; ++k)
+        signals[k] = slots + mixSources[k] * scratchFrames;
+    float base[kNumOutputs];
+    float* y[kNumOutputs];
+    for (int32_t o = 0; o < kNumOutputs; ++o) {
         const float* m = mix[o];
-        float base = gateVoltage * m[kSourceGate] + m[kSourceOffset] + velocityVoltage * m[kSourceVelocity];
-        if (!portamentoActive) base += m[kSourcePitch] * pitchTarget;
-        const float* signals[kMaxMoving];
-        float coefficients[kMaxMoving];
-        int32_t moving = 0;
-        auto take = [&](int32_t source) {
-            if (std::fabs(m[source]) <= kMixThreshold) return;
-            signals[moving] = slots + source * scratchFrames;
-            coefficients[moving++] = m[source];
-        };
-        if (portamentoActive) take(kSourcePitch);
-        for (int32_t e = 0; e < kNumEnvelopes; ++e)
-            take(kSourceEnv1 + e);
-        take(kSourceTrigger);
+        float b = gateVoltage * m[kSourceGate] + m[kSourceOffset] + velocityVoltage * m[kSourceVelocity];
+        if (!portamentoActive) b += m[kSourcePitch] * pitchTarget;
+        base[o] = b;
+        y[o] = outputs[o] + offset;
+    }
+    MixAndSmooth(mixPlan, signals, base, y, frames, smooth ? smoother : nullptr);
+}
 
-        float* y = outputs[o] + offset;
-        BR::OutputSmoother* smoothing = smooth ? &smoother[o] : nullptr;
-        switch (moving) {
-            case 0:
-                std::fill(y, y + frames, base);
-                if (smoothing) smoothing->Process(y, int(frames));
-                break;
-            case 1:
-                MixLoop<1>(y, base, signals, coefficients, frames, smoothing);
-                break;
-            case 2:
-                MixLoop<2>(y, base, signals, coefficients, frames, smoothing);
-                break;
-            case 3:
-                MixLoop<3>(y, base, signals, coefficients, frames, smoothing);
-                break;
-            case 4:
-                MixLoop<4>(y, base, signals, coefficients, frames, smoothing);
-                break;
-            default:
-                MixLoop<5>(y, base, signals, coefficients, frames, smoothing);
-                break;
+void BrelCorvane::PlanOutputs(int32_t firstOutput, bool smooth) {
+    // The signals that move, in the order each output adds them: pitch while it glides, the three
+    // envelopes, the trigger. A signal no written output takes stays out of the run.
+    const int32_t candidates[kMaxMoving] = {kSourcePitch, kSourceEnv1, kSourceEnv1 + 1, kSourceEnv1 + 2,
+                                            kSourceTrigger};
+    auto takes = [&](int32_t o, int32_t source) {
+        if (source == kSourcePitch && !portamentoActive) return false;
+        return !(std::fabs(mix[o][source]) <= kMixThreshold);
+    };
+    MixRun run;
+    for (int32_t source : candidates) {
+        for (int32_t o = firstOutput; o < kNumOutputs; ++o) {
+            if (!takes(o, source)) continue;
+            mixSources[run.numSignals++] = source;
+            break;
         }
     }
+    for (int32_t o = 0; o < kNumOutputs; ++o) {
+        run.written[o] = o >= firstOutput;
+        for (int32_t k = 0; k < run.numSignals; ++k) {
+            run.takes[o][k] = takes(o, mixSources[k]);
+            run.coefficient[o][k] = mix[o][mixSources[k]];
+        }
+    }
+    PlanMix(run, smooth ? smoother : nullptr, mixPlan);
+    mixPlanned = true;
+    mixPlanRows = rowsRead;
+    mixPlanPortamento = portamentoActive;
+    mixPlanFirstOutput = firstOutput;
+    mixPlanSmooth = smooth;
 }
 
 void BrelCorvane::Smooth(float** outputs, uint32_t offset, uint32_t frames) {

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "framework/SampleKernels.h"
+
 namespace BrelCorvaneFunction {
 
 namespace {
@@ -24,6 +26,65 @@ BR::PresetDefinition presetTable[] = {{"Defaults", 0, defaultsValues}};
 
 constexpr BR::ModuleConfig kConfig{2, 2, 0, 0, kOSCPortOffset, 1, presetTable, kNumParameters, parameterTable,
                                    -1};
+
+// The passes of the sample loops. `y` may be `x` (a host rendering in place): each sample is read
+// before it is written. Vector operations round as their scalar twins.
+
+// y[i] = x[i] * a + b: a multiply, then an add.
+void ScaleOffsetInto(const float* x, float* y, uint32_t frames, float a, float b) {
+    uint32_t i = 0;
+#ifdef BR_SAMPLE_SSE2
+    const __m128 va = _mm_set1_ps(a), vb = _mm_set1_ps(b);
+    for (; i + 4 <= frames; i += 4)
+        _mm_storeu_ps(y + i, _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(x + i), va), vb));
+#endif
+    for (; i < frames; ++i)
+        y[i] = x[i] * a + b;
+}
+
+// y[i] = |x[i] * s + o| * g + h.
+void AbsoluteInto(const float* x, float* y, uint32_t frames, float s, float o, float g, float h) {
+    uint32_t i = 0;
+#ifdef BR_SAMPLE_SSE2
+    const __m128 vs = _mm_set1_ps(s), vo = _mm_set1_ps(o), vg = _mm_set1_ps(g), vh = _mm_set1_ps(h);
+    const __m128 sign = _mm_set1_ps(-0.0f);
+    for (; i + 4 <= frames; i += 4) {
+        const __m128 u = _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(x + i), vs), vo);
+        _mm_storeu_ps(y + i, _mm_add_ps(_mm_mul_ps(_mm_andnot_ps(sign, u), vg), vh));
+    }
+#endif
+    for (; i < frames; ++i)
+        y[i] = std::fabs(x[i] * s + o) * g + h;
+}
+
+// y[i] = the exponent ExponentialCurve passes to exp: (x[i] * s + shift) * ln 2, held at kMaxExponent.
+// std::min(v, kMaxExponent) is kMaxExponent < v ? kMaxExponent : v, which is minps with the limit as
+// its first operand (a not-a-number v stays one).
+void ExponentInto(const float* x, float* y, uint32_t frames, float s, float shift) {
+    uint32_t i = 0;
+#ifdef BR_SAMPLE_SSE2
+    const __m128 vs = _mm_set1_ps(s), vshift = _mm_set1_ps(shift), ln2 = _mm_set1_ps(kLnOf2);
+    const __m128 limit = _mm_set1_ps(kMaxExponent);
+    for (; i + 4 <= frames; i += 4) {
+        const __m128 v = _mm_mul_ps(_mm_add_ps(_mm_mul_ps(_mm_loadu_ps(x + i), vs), vshift), ln2);
+        _mm_storeu_ps(y + i, _mm_min_ps(limit, v));
+    }
+#endif
+    for (; i < frames; ++i)
+        y[i] = std::min((x[i] * s + shift) * kLnOf2, kMaxExponent);
+}
+
+// y[i] = LogarithmCurve(y[i]).
+void LogarithmInPlace(float* y, uint32_t frames) {
+    for (uint32_t i = 0; i < frames; ++i)
+        y[i] = LogarithmCurve(y[i]);
+}
+
+// y[i] = e^y[i].
+void ExpInPlace(float* y, uint32_t frames) {
+    for (uint32_t i = 0; i < frames; ++i)
+        y[i] = std::exp(y[i]);
+}
 
 }  // namespace
 
@@ -68,27 +129,27 @@ void BrelCorvane::ProcessSlice(float** inputs, float** outputs, uint32_t frames)
         } else {
             const float s = ch.inputScale, o = ch.inputOffset, g = ch.outputScale, h = ch.outputOffset;
             ch.displayInput = s * x[0] + o;
+            // The curves run in passes over the output: the arithmetic before and after the library's
+            // log or exp four samples at a time, the call alone in a loop of its own. Across a call no
+            // float stays live (x86-64 saves none), so the call's loop keeps nothing to spill; every
+            // sample takes the same operations in the same order as TransferSample.
             switch (ch.function) {
                 case kLogarithm:
-                    for (uint32_t i = 0; i < frames; ++i)
-                        y[i] = LogarithmCurve(x[i] * s + o) * g + h;
+                    ScaleOffsetInto(x, y, frames, s, o);
+                    LogarithmInPlace(y, frames);
+                    ScaleOffsetInto(y, y, frames, g, h);
                     break;
-                case kExponential: {
-                    const float shift = o - 1.0f;
-                    for (uint32_t i = 0; i < frames; ++i)
-                        y[i] = ExponentialCurve(x[i] * s + shift) * g + h;
+                case kExponential:
+                    ExponentInto(x, y, frames, s, o - 1.0f);
+                    ExpInPlace(y, frames);
+                    ScaleOffsetInto(y, y, frames, g, h);
                     break;
-                }
                 case kAbsolute:
-                    for (uint32_t i = 0; i < frames; ++i)
-                        y[i] = std::fabs(x[i] * s + o) * g + h;
+                    AbsoluteInto(x, y, frames, s, o, g, h);
                     break;
-                default: {
-                    const float gain = g * s, add = g * o + h;
-                    for (uint32_t i = 0; i < frames; ++i)
-                        y[i] = x[i] * gain + add;
+                default:
+                    ScaleOffsetInto(x, y, frames, g * s, g * o + h);
                     break;
-                }
             }
             ch.displayOutput = y[0];
         }

@@ -56,7 +56,8 @@ bool RandomCases(uint32_t seed, int cases) {
     std::uniform_real_distribution<float> unit(1.0f, 2.0f);
     for (int c = 0; c < cases; ++c) {
         const float level = std::ldexp(unit(random), exponent(random)) * (random() % 2 ? -1.0f : 1.0f);
-        const int e = std::ilogb(level);
+        // A level flushed to zero (under flush-to-zero) has no exponent: steps of the smallest sizes.
+        const int e = level == 0.0f ? -149 : std::ilogb(level);
         float step = std::ldexp(unit(random), e - shift(random)) * (random() % 2 ? -1.0f : 1.0f);
         switch (random() % 6) {
             case 0:  // exactly halfway between two multiples of the level's grid
