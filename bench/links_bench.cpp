@@ -155,6 +155,79 @@ void BM_VoiceControllerDunmore(benchmark::State& state) {
     VoiceController(state, 3.0f);
 }
 
+// The Voice Controller's hardware modes as plainly as they can be, at the module's defaults (no note:
+// the six mixed outputs are 0): the six outputs filled, then per sample the frame made from them and
+// written as samples on outputs 1 and 2. "Ardent": five level bytes (outputs 1 to 5, unipolar), the
+// words. "Cinder"/"Dunmore": the next byte of the combiner stream (four or six channels, step 2,
+// channels 7 and 8 at mid-scale) into lane 1 of an Ardent frame, the words.
+template <int kMode>
+struct PlainVoiceFrame {
+    BR::CinderStream cinder;
+    BR::DunmoreStream dunmore;
+    static uint8_t Level(float x) {
+        return uint8_t(std::clamp(int32_t(std::clamp(x * 255.0f + 0.5f, -1.0f, 256.0f)), 0, 255));
+    }
+    void Render(std::vector<std::vector<float>>& out, uint32_t block) {
+        for (auto& o : out)
+            std::fill(o.begin(), o.begin() + block, 0.0f);
+        const float full = BR::kFullScaleA;
+        uint8_t frame[5] = {0, 0, 0, 0, 0};
+        for (uint32_t i = 0; i < block; ++i) {
+            if constexpr (kMode == 1) {
+                for (int b = 0; b < 5; ++b)
+                    frame[b] = Level(out[size_t(b)][i]);
+            } else {
+                const int32_t channels = kMode == 3 ? 6 : 4;
+                auto value = [&](int32_t c) {
+                    return c < channels ? BR::CombinerValue(out[size_t(c)][i], 0) : 2048;
+                };
+                frame[0] = kMode == 3 ? dunmore.Next(value, 2, true) : cinder.Next(value, 2);
+            }
+            int32_t left, right;
+            BR::FiveByteWords(frame, left, right);
+            out[0][i] = BR::WordToSample(left, full);
+            out[1][i] = BR::WordToSample(right, full);
+        }
+    }
+};
+
+template <int kMode>
+void BM_PlainVoiceFrame(benchmark::State& state) {
+    const uint32_t block = uint32_t(state.range(0));
+    std::vector<std::vector<float>> out(6, std::vector<float>(block));
+    PlainVoiceFrame<kMode> plain;
+    for (auto _ : state) {
+        plain.Render(out, block);
+        benchmark::DoNotOptimize(out[0].data());
+        benchmark::ClobberMemory();
+    }
+    BR::Bench::CountFrames(state, block);
+}
+
+// Each hardware mode's twin against the module over three blocks.
+template <int kMode>
+void CheckVoiceTwin() {
+    for (uint32_t block : {32u, 256u, 1024u}) {
+        BR::Bench::ModuleRig rig("voicecontroller", block);
+        rig.driver->SetParameterByName("Hardware Mode", float(kMode));
+        Fill(rig);
+        PlainVoiceFrame<kMode> plain;
+        std::vector<std::vector<float>> out(6, std::vector<float>(block));
+        double worst = 0.0;
+        for (int b = 0; b < 3; ++b) {
+            rig.Render();
+            plain.Render(out, block);
+            for (size_t o = 0; o < out.size(); ++o)
+                for (uint32_t i = 0; i < block; ++i)
+                    worst = std::max(worst, std::fabs(double(out[o][i]) - double(rig.out[o][i])));
+        }
+        std::printf(
+            "Voice Controller hardware mode %d plain twin against the module at block %u: largest "
+            "difference %g\n",
+            kMode, block, worst);
+    }
+}
+
 void SetUpSync(BR::Bench::ModuleRig& rig, float hardwareMode) {
     rig.driver->SetParameterByName("BR Hardware Mode", hardwareMode);
     rig.driver->SetParameterByName("DINsync Type", 1.0f);
@@ -242,6 +315,9 @@ BENCHMARK(BM_VoiceControllerPlain)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_VoiceControllerArdent)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_VoiceControllerCinder)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_VoiceControllerDunmore)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainVoiceFrame<1>)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainVoiceFrame<2>)->Arg(32)->Arg(256)->Arg(1024);
+BENCHMARK(BM_PlainVoiceFrame<3>)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_SyncPlain)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_SyncArdent)->Arg(32)->Arg(256)->Arg(1024);
 BENCHMARK(BM_PlainSyncArdent)->Arg(32)->Arg(256)->Arg(1024);
@@ -249,6 +325,9 @@ BENCHMARK(BM_PlainSyncArdent)->Arg(32)->Arg(256)->Arg(1024);
 }  // namespace
 
 int main(int argc, char** argv) {
+    CheckVoiceTwin<1>();
+    CheckVoiceTwin<2>();
+    CheckVoiceTwin<3>();
     CheckSyncTwin();
     const std::pair<const char*, const char*> pairs[] = {
         {"BM_Cinder", "BM_PlainCombiner<4>"},
@@ -258,6 +337,9 @@ int main(int argc, char** argv) {
         {"BM_VoiceControllerArdent", "BM_VoiceControllerPlain"},
         {"BM_VoiceControllerCinder", "BM_VoiceControllerPlain"},
         {"BM_VoiceControllerDunmore", "BM_VoiceControllerPlain"},
+        {"BM_VoiceControllerArdent", "BM_PlainVoiceFrame<1>"},
+        {"BM_VoiceControllerCinder", "BM_PlainVoiceFrame<2>"},
+        {"BM_VoiceControllerDunmore", "BM_PlainVoiceFrame<3>"},
         {"BM_SyncArdent", "BM_SyncPlain"},
         {"BM_SyncArdent", "BM_PlainSyncArdent"}};
     std::vector<std::pair<std::string, std::string>> ratios;
