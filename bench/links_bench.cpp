@@ -155,21 +155,36 @@ void BM_VoiceControllerDunmore(benchmark::State& state) {
     VoiceController(state, 3.0f);
 }
 
-// The Voice Controller's hardware modes as plainly as they can be, at the module's defaults (no note:
-// the six mixed outputs are 0): the six outputs filled, then per sample the frame made from them and
-// written as samples on outputs 1 and 2. "Ardent": five level bytes (outputs 1 to 5, unipolar), the
-// words. "Cinder"/"Dunmore": the next byte of the combiner stream (four or six channels, step 2,
-// channels 7 and 8 at mid-scale) into lane 1 of an Ardent frame, the words.
+// The Voice Controller's hardware modes as plainly as they can be, at the module's defaults: the
+// sources rendered (no note: pitch, gate, the three idle envelopes and the trigger hold 0), each output
+// mixed from its source by its row's weight (the default matrix: output k takes source k at 1), then
+// per sample the frame made from the outputs and written as samples on outputs 1 and 2. "Ardent": five
+// level bytes (outputs 1 to 5, unipolar), the words. "Cinder"/"Dunmore": the next byte of the combiner
+// stream (four or six channels, step 2, channels 7 and 8 at mid-scale) into lane 1 of an Ardent frame,
+// the words.
 template <int kMode>
 struct PlainVoiceFrame {
     BR::CinderStream cinder;
     BR::DunmoreStream dunmore;
+    std::vector<std::vector<float>> sources;
+    float weight[6] = {1.0f, 1.0f, 1.0f, 1.0f, 1.0f, 1.0f};
     static uint8_t Level(float x) {
         return uint8_t(std::clamp(int32_t(std::clamp(x * 255.0f + 0.5f, -1.0f, 256.0f)), 0, 255));
     }
     void Render(std::vector<std::vector<float>>& out, uint32_t block) {
-        for (auto& o : out)
-            std::fill(o.begin(), o.begin() + block, 0.0f);
+        sources.resize(6);
+        for (auto& source : sources) {
+            source.resize(block);
+            std::fill(source.begin(), source.end(), 0.0f);
+        }
+        BR::Bench::KeepOpaque(weight);
+        for (size_t k = 0; k < 6; ++k) {
+            const float w = weight[k];
+            const float* x = sources[k].data();
+            float* y = out[k].data();
+            for (uint32_t i = 0; i < block; ++i)
+                y[i] = w * x[i];
+        }
         const float full = BR::kFullScaleA;
         uint8_t frame[5] = {0, 0, 0, 0, 0};
         for (uint32_t i = 0; i < block; ++i) {
