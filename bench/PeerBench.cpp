@@ -1,7 +1,8 @@
 // A small LV2 host that runs Corvane's plug-ins beside Debian's blop plug-ins that do the same job,
 // with the same activity (a gate toggling at the same rate, comparable control values, the same block
 // sizes), and prints the time per frame of each and the ratios measured in this one run.
-// Usage: peer_bench [--seconds S] [--repeats N] [--only TEXT]  (--only: plug-ins whose label holds TEXT)
+// Usage: peer_bench [--seconds S] [--repeats N] [--only TEXT] [--block N]  (--only: plug-ins whose label
+//        holds TEXT; --block: this block size alone, at most 256, instead of 32, 64 and 256)
 //        peer_bench --outputs 1  (prints every plug-in's output over one gate period instead of timing)
 #include <lilv/lilv.h>
 #include <lv2/atom/atom.h>
@@ -306,15 +307,18 @@ int main(int argc, char** argv) {
     double seconds = 1.0;
     int repeats = 9;
     std::string only;
+    uint32_t onlyBlock = 0;
     bool showOutputs = false;
     for (int i = 1; i + 1 < argc; i += 2) {
         if (std::strcmp(argv[i], "--outputs") == 0) showOutputs = std::atoi(argv[i + 1]) != 0;
         if (std::strcmp(argv[i], "--seconds") == 0) seconds = std::atof(argv[i + 1]);
         if (std::strcmp(argv[i], "--repeats") == 0) repeats = std::atoi(argv[i + 1]);
         if (std::strcmp(argv[i], "--only") == 0) only = argv[i + 1];
+        if (std::strcmp(argv[i], "--block") == 0) onlyBlock = uint32_t(std::atoi(argv[i + 1]));
     }
-    if (!(seconds > 0.0) || repeats < 1) {
-        std::fprintf(stderr, "usage: peer_bench [--seconds S] [--repeats N]\n");
+    if (!(seconds > 0.0) || repeats < 1 || onlyBlock > kMaxBlock) {
+        std::fprintf(stderr, "usage: peer_bench [--seconds S] [--repeats N] [--only TEXT] [--block N<=%u]\n",
+                     kMaxBlock);
         return 2;
     }
 
@@ -393,7 +397,9 @@ int main(int argc, char** argv) {
         repeats, seconds);
     const uint64_t frames = uint64_t(seconds * kRate);
     std::printf("%-40s %6s %12s\n", "plug-in", "block", "ns/frame");
-    for (uint32_t block : {32u, 64u, 256u}) {
+    const std::vector<uint32_t> blocks =
+        onlyBlock != 0 ? std::vector<uint32_t>{onlyBlock} : std::vector<uint32_t>{32u, 64u, 256u};
+    for (uint32_t block : blocks) {
         std::vector<double> best(runners.size(), 1e30);
         auto chosen = [&](size_t k) {
             return only.empty() || setups[k].label.find(only) != std::string::npos;

@@ -121,7 +121,7 @@ void PlainController(benchmark::State& state) {
     double untilTick = 0.0;
     uint32_t frame = 0;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(base);
+        BR::Bench::KeepOpaque(base);
         // The notes' messages (on and off for each group and note channel) shared out over the four
         // lines, the clock on each.
         if (frame % 4096 == 0)

@@ -36,7 +36,7 @@ void BM_PlainLoop(benchmark::State& state) {
     const float level = 0.15f, a = 0.6f, hi = 0.5f / (1.0f - a), lo = 0.5f / a;
     for (auto _ : state) {
         for (int c = 0; c < 2; ++c) {
-            benchmark::DoNotOptimize(phase[c]);
+            BR::Bench::KeepOpaque(phase[c]);
             const float* x = in[c].data();
             float* y = out[c].data();
             double ph = phase[c];

@@ -55,7 +55,7 @@ void BM_PlainManual(benchmark::State& state) {
     std::vector<float> out[2] = {std::vector<float>(block), std::vector<float>(block)};
     float S = 12.0f, O = 0.3f * 0.01f * (2.0f / 24.0f), T = 0.0f;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(S);
+        BR::Bench::KeepOpaque(S);
         for (int c = 0; c < 2; ++c) {
             const float* x = in.data();
             float* y = out[c].data();
@@ -117,7 +117,7 @@ void BM_PlainCalibrated(benchmark::State& state) {
             note[c] = n;
         }
         benchmark::DoNotOptimize(out[0].data());
-        benchmark::DoNotOptimize(note);
+        BR::Bench::KeepOpaque(note);
         benchmark::ClobberMemory();
     }
     BR::Bench::CountFrames(state, block);

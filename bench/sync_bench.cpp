@@ -65,7 +65,7 @@ void BM_PlainLoop(benchmark::State& state) {
     PlainTransport transport;
     float high = 1.0f, low = 0.0f, run = 1.0f;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(transport);
+        BR::Bench::KeepOpaque(transport);
         uint32_t counter, period;
         transport.Place(counter, period);
         const uint32_t half = period / 2;
@@ -91,7 +91,7 @@ void BM_PlainToneLoop(benchmark::State& state) {
     PlainTransport transport;
     float phase = 0.0f, run = 1.0f;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(transport);
+        BR::Bench::KeepOpaque(transport);
         uint32_t counter, period;
         transport.Place(counter, period);
         const uint32_t half = period / 2;

@@ -92,6 +92,10 @@ public:
             changedWords[size_t(parameterIndex) / 64].fetch_or(uint64_t(1) << (parameterIndex % 64),
                                                                std::memory_order_release);
     }
+    // True when a store has set a bit of the word since it was last taken; takes nothing.
+    bool ChangedWordPending(uint32_t word) const {
+        return changedWords[word].load(std::memory_order_relaxed) != 0;
+    }
     uint64_t TakeChangedWord(uint32_t word) {
         std::atomic<uint64_t>& bits = changedWords[word];
         return bits.load(std::memory_order_relaxed) ? bits.exchange(0, std::memory_order_acquire) : 0;

@@ -67,7 +67,9 @@ void BrelCorvaneBase::SetMaxBlockSize(uint32_t frames) {
 }
 
 bool BrelCorvaneBase::BeginBlock(uint32_t) {
-    if (controller) sampleRate = controller->GetSampleRate();
+    // RenderAudio has just asked the controller for this block's rate (PollParameters, which it
+    // always runs before BeginBlock): the same value, without asking again.
+    if (controller) sampleRate = polledSampleRate;
     return true;
 }
 
@@ -83,13 +85,6 @@ bool BrelCorvaneBase::RowsChanged(int32_t first, int32_t count) const {
 }
 
 void BrelCorvaneBase::PollParameters() {
-    if (controller) {
-        const float rate = controller->GetSampleRate();
-        if (rate != polledSampleRate) {
-            polledSampleRate = rate;
-            pollAll = true;  // every rate-derived value is due again
-        }
-    }
     const uint32_t words = std::min<uint32_t>(NumChangedWords(), uint32_t(blockChanged.size()));
     const uint32_t numObjects = uint32_t(parameterList.size());
     bool any = false;

@@ -2,6 +2,7 @@
 // properties, and the operations a module overrides.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -216,9 +217,29 @@ protected:
 private:
     // Takes the changed-parameter mask and copies the values of changed rows into blockValues.
     void PollParameters();
+    // True when PollParameters has nothing to do: the rate is the polled one, the last block copied
+    // nothing (so its mask is all zero already) and no store has set a bit since: one relaxed load
+    // per 64 parameters. Reads this block's rate from the controller.
+    bool NothingToPoll() {
+        const float rate = controller->GetSampleRate();
+        if (rate != polledSampleRate) {
+            polledSampleRate = rate;
+            pollAll = true;  // every rate-derived value is due again
+        }
+        if (pollAll || anyRowChanged) return false;
+        const uint32_t words = std::min<uint32_t>(NumChangedWords(), uint32_t(blockChanged.size()));
+        for (uint32_t w = 0; w < words; ++w)
+            if (ChangedWordPending(w)) return false;
+        return true;
+    }
+    // ProcessBlock's slicing at MIDI time stamps, from the first item read.
+    void ProcessSlices(float** inputs, float** outputs, uint32_t frames, BR::MessageQueueItem* item);
 
     std::vector<float> blockValues;      // one per table row
     std::vector<uint64_t> blockChanged;  // this block's mask, by parameter index (row k is bit k + 1)
+    const BR::HostController* stemController = nullptr;  // whose stem formats the two counts hold
+    int32_t hostInputChannels = 0;
+    int32_t hostOutputChannels = 0;
     bool anyRowChanged = true;
     bool pollAll = true;
     float polledSampleRate = 0.0f;

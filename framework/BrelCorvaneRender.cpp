@@ -46,8 +46,15 @@ void AlgorithmCallback(RenderRecord* const* begin, RenderRecord* const* end) {
 void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
     const uint32_t frames = record->bufferLength ? uint32_t(std::max(*record->bufferLength, 0)) : 0;
     if (!controller) return;
-    const int32_t hostInputs = BR::StemChannelCount(controller->GetInputStemFormat());
-    const int32_t hostOutputs = BR::StemChannelCount(controller->GetOutputStemFormat());
+    if (controller != stemController) {
+        // A host's stem formats are part of the instance's description and never change while it
+        // lives: they are asked for once per controller, not at every block.
+        stemController = controller;
+        hostInputChannels = BR::StemChannelCount(controller->GetInputStemFormat());
+        hostOutputChannels = BR::StemChannelCount(controller->GetOutputStemFormat());
+    }
+    const int32_t hostInputs = hostInputChannels;
+    const int32_t hostOutputs = hostOutputChannels;
     if (numSidechains == 0 && numInputs != 0 && hostInputs != numInputs) return;
     if (numAuxOutputs == 0 && hostOutputs != numOutputs) return;
 
@@ -56,7 +63,7 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
     // may be gone.
     transport = record->transport ? record->transport : initialTransport;
 
-    PollParameters();
+    if (!NothingToPoll()) PollParameters();
     if (!BeginBlock(frames)) {
         MarkAllRowsChanged();  // the module saw none of this block's changes
         return;
@@ -65,7 +72,8 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
     while (BR::MessageQueueItem* item = toAudioQueue.Read())
         HandleQueuedMessage(item);
 
-    TransferHostMIDI(record->inputMIDI);
+    // A node without packets leaves the intake as it is; most blocks carry none.
+    if (record->inputMIDI && record->inputMIDI->stream.numPackets != 0) TransferHostMIDI(record->inputMIDI);
 
     float* inputs[BR::kMaxModuleChannels];
     const int32_t pointerCount = std::min(numInputPointers, BR::kMaxModuleChannels);
@@ -79,13 +87,13 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
         inputs[0] = hostInput(0);
         inputs[1] = pointerCount > 1 ? hostInput(1) : silence;
         // A record has six sidechain fields; a module that declares more is served six, and its
-        // entries behind them read silence rather than whatever the stack held.
-        for (int32_t i = 2; i < pointerCount; ++i)
-            inputs[i] = silence;
+        // entries behind them read silence rather than whatever the stack held. An unconnected
+        // sidechain (index 0) reads silence too.
         const int32_t served = std::min(numSidechains, BR::kMaxSidechains);
-        for (int32_t k = 0; k < served && 2 + k < pointerCount; ++k) {
-            const int32_t index = record->sidechainIndex[k] ? *record->sidechainIndex[k] : 0;
-            if (index != 0 && record->inputs) inputs[2 + k] = record->inputs[index];
+        for (int32_t i = 2; i < pointerCount; ++i) {
+            const int32_t k = i - 2;
+            const int32_t index = k < served && record->sidechainIndex[k] ? *record->sidechainIndex[k] : 0;
+            inputs[i] = index != 0 && record->inputs ? record->inputs[index] : silence;
         }
     } else {
         for (int32_t i = 0; i < pointerCount; ++i)
@@ -114,16 +122,29 @@ void BrelCorvaneBase::RenderAudio(BR::RenderRecord* record) {
 }
 
 void BrelCorvaneBase::ProcessBlock(float** inputs, float** outputs, uint32_t frames) {
+    if (frames == 0) return;
+    BR::MessageQueueItem* item = midiToAudioQueue.Read();
+    if (!item) {
+        // No MIDI waiting, what most blocks are: the block is one slice, given the block's own
+        // pointer arrays (nothing reads them after it, so the slice may move them as it likes).
+        BeginSlice(frames, 0);
+        ProcessSlice(inputs, outputs, frames);
+        return;
+    }
+    ProcessSlices(inputs, outputs, frames, item);
+}
+
+void BrelCorvaneBase::ProcessSlices(float** inputs, float** outputs, uint32_t frames,
+                                    BR::MessageQueueItem* item) {
     uint32_t position = 0;
     uint32_t remaining = frames;
-    if (remaining == 0) return;
     float* scratchInputs[BR::kMaxModuleChannels];
     float* scratchOutputs[BR::kMaxModuleChannels];
     const int32_t inputCount = std::min(numInputPointers, BR::kMaxModuleChannels);
     const int32_t outputCount = std::min(numOutputs, BR::kMaxModuleChannels);
 
-    while (remaining != 0) {
-        BR::MessageQueueItem* item = midiToAudioQueue.Read();
+    for (bool first = true; remaining != 0; first = false) {
+        if (!first) item = midiToAudioQueue.Read();
         uint32_t run = remaining;
         if (item) {
             if (item->timeStamp <= position) {
@@ -135,13 +156,17 @@ void BrelCorvaneBase::ProcessBlock(float** inputs, float** outputs, uint32_t fra
         }
         if (run != 0) {
             BeginSlice(run, 0);
-            std::copy(inputs, inputs + inputCount, scratchInputs);
-            std::copy(outputs, outputs + outputCount, scratchOutputs);
-            ProcessSlice(scratchInputs, scratchOutputs, run);
-            for (int32_t i = 0; i < inputCount; ++i)
-                inputs[i] += run;
-            for (int32_t i = 0; i < outputCount; ++i)
-                outputs[i] += run;
+            if (run == remaining) {
+                ProcessSlice(inputs, outputs, run);  // the last slice: as in ProcessBlock
+            } else {
+                std::copy(inputs, inputs + inputCount, scratchInputs);
+                std::copy(outputs, outputs + outputCount, scratchOutputs);
+                ProcessSlice(scratchInputs, scratchOutputs, run);
+                for (int32_t i = 0; i < inputCount; ++i)
+                    inputs[i] += run;
+                for (int32_t i = 0; i < outputCount; ++i)
+                    outputs[i] += run;
+            }
             remaining -= run;
         }
         if (item) DispatchMIDI(item);

@@ -84,13 +84,6 @@ bool MessageQueue::WriteSysEx(const uint8_t* data, uint32_t length) {
     return true;
 }
 
-MessageQueueItem* MessageQueue::Read() {
-    const int32_t next = (readIndex.load(std::memory_order_relaxed) + 1) % kNumItems;
-    if (next == writeIndex.load(std::memory_order_acquire)) return nullptr;
-    readIndex.store(next, std::memory_order_release);
-    return items[next];
-}
-
 void MessageQueue::SetIndicesForTest(int32_t read, int32_t write) {
     readIndex.store(read);
     writeIndex.store(write);

@@ -46,8 +46,14 @@ public:
     // A byte block; time stamp 0. Resizes the item's byte vector, which may allocate.
     bool WriteSysEx(const uint8_t* data, uint32_t length);
 
-    // Next unread item, or null. The item stays valid until the next Read().
-    MessageQueueItem* Read();
+    // Next unread item, or null. The item stays valid until the next Read(). Inline: the render path
+    // asks each queue at every block, and mostly finds it empty.
+    MessageQueueItem* Read() {
+        const int32_t next = (readIndex.load(std::memory_order_relaxed) + 1) % kNumItems;
+        if (next == writeIndex.load(std::memory_order_acquire)) return nullptr;
+        readIndex.store(next, std::memory_order_release);
+        return items[next];
+    }
     // True when a write would fail.
     bool IsFull() const;
 

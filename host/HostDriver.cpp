@@ -21,9 +21,21 @@ HostDriver::HostDriver(std::unique_ptr<BrelCorvaneBase> module_, const Catalogue
     zeros.assign(maxBlockSize, 0.0f);
     inputPointers.resize(size_t(std::max(NumHostInputs(), 2)));
     outputPointers.resize(size_t(std::max(NumHostOutputs(), 1)));
+    numHostInputs = uint32_t(std::max(NumHostInputs(), 0));
+    numHostOutputs = uint32_t(std::max(NumHostOutputs(), 0));
     // Sidechain k arrives on host input channel 2 + k.
     for (int32_t k = 0; k < kMaxSidechains; ++k)
         sidechainIndex[size_t(k)] = k < module->NumSidechains() ? 2 + k : 0;
+
+    // Modules only read the record, so the fields that never change are filled here once.
+    ResetFieldData(record, &instanceSlot);
+    record.inputs = inputPointers.data();
+    record.outputs = outputPointers.data();
+    for (int32_t k = 0; k < kMaxSidechains; ++k)
+        record.sidechainIndex[k] = &sidechainIndex[size_t(k)];
+    record.bufferLength = &blockLength;
+    node.stream.packets = packets.data();
+    record.inputMIDI = &node;
 }
 
 HostDriver::~HostDriver() {
@@ -49,8 +61,44 @@ bool HostDriver::SetParameterByName(const std::string& name, float value) {
     return module->SetParameterValue(index, value) == kNoErr;
 }
 
+// The part of a module block that every block runs: channel pointers at `offset`, the length,
+// the transport, and the module's render call. Inline in both callers.
+inline void HostDriver::RenderRecordBlock(const float* const* inputs, float* const* outputs, uint32_t offset,
+                                          uint32_t frames, uint32_t numPackets) {
+    node.stream.numPackets = numPackets;
+    float** inputSlots = inputPointers.data();
+    const uint32_t numSlots = uint32_t(inputPointers.size());
+    const uint32_t numSources = inputs ? std::min(numHostInputs, numSlots) : 0;
+    for (uint32_t i = 0; i < numSources; ++i)
+        inputSlots[i] = inputs[i] ? const_cast<float*>(inputs[i]) + offset : zeros.data();
+    for (uint32_t i = numSources; i < numSlots; ++i)
+        inputSlots[i] = zeros.data();
+    float** outputSlots = outputPointers.data();
+    for (uint32_t i = 0; i < numHostOutputs; ++i)
+        outputSlots[i] = outputs[i] + offset;
+
+    blockLength = int32_t(frames);
+    record.transport = currentTransport;
+    // What the algorithm callback does with a record that holds an instance, without its checks of
+    // a record array: this record always holds this driver's module.
+    module->RenderAudio(&record);
+    renderedFrames += frames;
+    if (currentTransport && advanceTransport) currentTransport->Advance(frames);
+}
+
 void HostDriver::Process(const float* const* inputs, float* const* outputs, uint32_t frames,
                          const TimedMidi* midi, uint32_t numMidi) {
+    if (frames <= maxBlockSize && numMidi == 0) {
+        // One module block without MIDI: what most host blocks are.
+        if (frames != 0) RenderRecordBlock(inputs, outputs, 0, frames, 0);
+        return;
+    }
+    ProcessPieces(inputs, outputs, frames, midi, numMidi);
+}
+
+// Out of line, so that the common case above saves and restores no more registers than it uses.
+[[gnu::noinline]] void HostDriver::ProcessPieces(const float* const* inputs, float* const* outputs,
+                                                 uint32_t frames, const TimedMidi* midi, uint32_t numMidi) {
     uint32_t done = 0;
     uint32_t nextMidi = 0;
     while (done < frames) {
@@ -59,8 +107,6 @@ void HostDriver::Process(const float* const* inputs, float* const* outputs, uint
         while (nextMidi < numMidi && midi[nextMidi].frame < done + n)
             ++nextMidi;
         RenderOne(inputs, outputs, done, n, midi + firstMidi, nextMidi - firstMidi);
-        renderedFrames += n;
-        if (currentTransport && advanceTransport) currentTransport->Advance(n);
         done += n;
     }
 }
@@ -85,27 +131,7 @@ void HostDriver::RenderOne(const float* const* inputs, float* const* outputs, ui
             if (!sysEx) break;
         }
     }
-    HostMidiNode node{{numPackets, packets.data()}};
-
-    for (size_t i = 0; i < inputPointers.size(); ++i) {
-        const float* source = i < size_t(NumHostInputs()) && inputs ? inputs[i] : nullptr;
-        inputPointers[i] = source ? const_cast<float*>(source) + offset : zeros.data();
-    }
-    for (size_t i = 0; i < size_t(NumHostOutputs()); ++i)
-        outputPointers[i] = outputs[i] + offset;
-
-    int32_t length = int32_t(frames);
-    RenderRecord record;
-    ResetFieldData(record, &instanceSlot);
-    record.inputs = inputPointers.data();
-    record.outputs = outputPointers.data();
-    for (int32_t k = 0; k < kMaxSidechains; ++k)
-        record.sidechainIndex[k] = &sidechainIndex[size_t(k)];
-    record.bufferLength = &length;
-    record.inputMIDI = &node;
-    record.transport = currentTransport;
-    RenderRecord* records[1] = {&record};
-    AlgorithmCallback(records, records + 1);
+    RenderRecordBlock(inputs, outputs, offset, frames, numPackets);
 }
 
 }  // namespace BR

@@ -40,6 +40,9 @@ public:
     HostDriver(std::unique_ptr<BrelCorvaneBase> module, const CatalogueEntry& entry, float sampleRate,
                uint32_t maxBlockSize = kDefaultMaxBlockSize);
     ~HostDriver();
+    // The render record points into the driver itself.
+    HostDriver(const HostDriver&) = delete;
+    HostDriver& operator=(const HostDriver&) = delete;
 
     BrelCorvaneBase& Module() { return *module; }
     const CatalogueEntry& Entry() const { return entry; }
@@ -77,13 +80,19 @@ public:
     uint64_t RenderedFrames() const { return renderedFrames; }
 
 private:
+    void ProcessPieces(const float* const* inputs, float* const* outputs, uint32_t frames,
+                       const TimedMidi* midi, uint32_t numMidi);
     void RenderOne(const float* const* inputs, float* const* outputs, uint32_t offset, uint32_t frames,
                    const TimedMidi* midi, uint32_t numMidi);
+    void RenderRecordBlock(const float* const* inputs, float* const* outputs, uint32_t offset,
+                           uint32_t frames, uint32_t numPackets);
 
     std::unique_ptr<BrelCorvaneBase> module;
     const CatalogueEntry& entry;
     DriverController controller;
     uint32_t maxBlockSize;
+    uint32_t numHostInputs = 0;
+    uint32_t numHostOutputs = 0;
     DriverTransport* currentTransport = nullptr;
     bool advanceTransport = true;
     uint64_t renderedFrames = 0;
@@ -93,6 +102,11 @@ private:
     std::vector<float*> inputPointers;
     std::vector<float*> outputPointers;
     std::array<int32_t, kMaxSidechains> sidechainIndex{};
+    // The render record and what its fields point at, set up once: a block changes only the length,
+    // the packet count, the transport and the channel pointers.
+    RenderRecord record{};
+    int32_t blockLength = 0;
+    HostMidiNode node{};
 };
 
 }  // namespace BR

@@ -90,9 +90,15 @@ void Lv2Instance::ConnectPort(uint32_t port, void* data) {
         controlPorts[port] = static_cast<const float*>(data);
         controlsLaidOut = false;
     } else if (port >= layout.firstAudioIn && port < layout.firstAudioIn + layout.numAudioIn) {
-        audioIn[port - layout.firstAudioIn] = static_cast<const float*>(data);
+        const uint32_t input = port - layout.firstAudioIn;
+        if (audioIn[input] == data) return;
+        audioIn[input] = static_cast<const float*>(data);
+        if (!outputsMoved) UpdateInPlace(input);  // else Run works out every input
     } else if (port >= layout.firstAudioOut && port < layout.firstAudioOut + layout.numAudioOut) {
-        audioOut[port - layout.firstAudioOut] = static_cast<float*>(data);
+        float*& slot = audioOut[port - layout.firstAudioOut];
+        if (slot == data) return;
+        slot = static_cast<float*>(data);
+        outputsMoved = true;
     } else if (port == layout.midiIn) {
         midiIn = static_cast<const LV2_Atom_Sequence*>(data);
     } else if (port == layout.midiOut) {
@@ -100,23 +106,25 @@ void Lv2Instance::ConnectPort(uint32_t port, void* data) {
     }
 }
 
-bool Lv2Instance::ControlsUnchanged() {
-    const size_t n = controlPorts.size();
-    if (!controlsLaidOut) {
-        // Hosts mostly keep their control values side by side; then one comparison of the whole run
-        // tells a block in which no port moved, whatever the number of ports.
-        controlsContiguous = n != 0 && controlPorts[0];
-        for (size_t k = 1; k < n && controlsContiguous; ++k)
-            controlsContiguous = controlPorts[k] == controlPorts[0] + k;
-        controlsLaidOut = true;
-    }
-    // Equal bits mean equal values, or the same non-finite value, which the loop ignores as well.
-    return controlsContiguous && std::memcmp(controlPorts[0], lastSeen.data(), n * sizeof(float)) == 0;
+void Lv2Instance::UpdateInPlace(uint32_t input) {
+    const float* buffer = audioIn[input];
+    bool shared = false;
+    for (const float* out : audioOut)
+        shared = shared || (buffer && buffer == out);
+    inPlaceInputs = shared ? inPlaceInputs | (1u << input) : inPlaceInputs & ~(1u << input);
 }
 
-void Lv2Instance::ReadControls() {
-    const bool resync = resyncControls.exchange(false);
-    if (ControlsUnchanged()) return;
+void Lv2Instance::LayOutControls() {
+    // Hosts mostly keep their control values side by side; then one comparison of the whole run
+    // tells a block in which no port moved, whatever the number of ports.
+    const size_t n = controlPorts.size();
+    controlsContiguous = n != 0 && controlPorts[0];
+    for (size_t k = 1; k < n && controlsContiguous; ++k)
+        controlsContiguous = controlPorts[k] == controlPorts[0] + k;
+    controlsLaidOut = true;
+}
+
+void Lv2Instance::ReadControls(bool resync) {
     bool anyPending = false;
     BrelCorvaneBase& module = driver->Module();
     for (uint32_t k = 0; k < layout.numControls; ++k) {
@@ -132,7 +140,7 @@ void Lv2Instance::ReadControls() {
         if (schedule) {
             module.StoreParameterValue(parameter, parameterValue);
             if (parameter > 0) {
-                notifyPending[size_t(parameter)].store(1);
+                notifyPending[size_t(parameter)].store(1, std::memory_order_release);
                 anyPending = true;
             }
         } else {
@@ -192,13 +200,38 @@ void Lv2Instance::Run(uint32_t frames) {
             midiOut->body.pad = 0;
         }
     }
-    for (float* out : audioOut)
-        if (!out) return;  // nowhere to render to
+    if (outputsMoved) {
+        outputMissing = false;
+        for (float* out : audioOut)
+            outputMissing = outputMissing || !out;
+        for (uint32_t i = 0; i < layout.numAudioIn; ++i)
+            UpdateInPlace(i);
+        outputsMoved = false;
+    }
+    if (outputMissing) return;  // nowhere to render to
     sentMidi.Clear();
     runStart = driver->RenderedFrames();
-    ReadControls();
-    CollectEvents(frames);
+    // A plain load first: an exchange at every block would be a locked instruction at every block.
+    const bool resync = resyncControls.load(std::memory_order_relaxed) &&
+                        resyncControls.exchange(false, std::memory_order_acquire);
+    if (!ControlsUnchanged()) ReadControls(resync);
+    if (midiIn && midiIn->atom.size > sizeof(LV2_Atom_Sequence_Body)) {
+        CollectEvents(frames);
+    } else {
+        numEvents = numPositions = 0;  // an empty sequence, or none
+    }
 
+    if (numPositions == 0) {
+        // Most blocks carry no position: one span at the transport as it stands, and most carry no
+        // MIDI and have inputs apart from outputs: then the host's own buffers go to the driver.
+        if (transport.Known() && !driver->Transport()) driver->SetTransport(&transport.Driver());
+        if (numEvents == 0 && inPlaceInputs == 0)
+            driver->Process(audioIn.data(), audioOut.data(), frames, nullptr, 0);
+        else if (frames != 0)
+            RenderSpan(0, frames);
+        if (sentMidi.Count() != 0) WriteSentMidi(frames);
+        return;
+    }
     uint32_t start = 0, nextPosition = 0;
     while (start < frames) {
         bool wrapped = false;
@@ -248,10 +281,7 @@ void Lv2Instance::WriteSentMidi(uint32_t frames) {
 
 void Lv2Instance::RenderSpan(uint32_t from, uint32_t to) {
     const uint32_t numIn = layout.numAudioIn, numOut = layout.numAudioOut;
-    bool inPlace = false;
-    for (uint32_t i = 0; i < numIn; ++i)
-        for (uint32_t o = 0; o < numOut; ++o)
-            inPlace = inPlace || (audioIn[i] && audioIn[i] == audioOut[o]);
+    const bool inPlace = inPlaceInputs != 0;
 
     const float* in[kMaxModuleChannels];
     float* out[kMaxModuleChannels];

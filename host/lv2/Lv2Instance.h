@@ -7,6 +7,7 @@
 #include <lv2/worker/worker.h>
 
 #include <atomic>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -52,14 +53,24 @@ public:
 private:
     Lv2Instance(const Lv2BundleInfo& bundle, const Lv2ModuleSource& source, double sampleRate);
 
-    void ReadControls();
-    // True when the ports lie side by side and none differs from lastSeen.
-    bool ControlsUnchanged();
+    // Applies the control ports that moved; with `resync`, only takes their values as seen.
+    void ReadControls(bool resync);
+    // True when the ports lie side by side and none differs from lastSeen. Equal bits mean equal
+    // values, or the same non-finite value, which ReadControls ignores as well.
+    bool ControlsUnchanged() {
+        if (!controlsLaidOut) LayOutControls();
+        return controlsContiguous &&
+               std::memcmp(controlPorts[0], lastSeen.data(), controlPorts.size() * sizeof(float)) == 0;
+    }
+    // Works out controlsContiguous for the ports connected now.
+    void LayOutControls();
     void CollectEvents(uint32_t frames);
     // Writes what the module sent during this block into the MIDI output port, at its frames.
     void WriteSentMidi(uint32_t frames);
     // Renders frames [from, to) of the host block, cut where inputs share buffers with outputs.
     void RenderSpan(uint32_t from, uint32_t to);
+    // Sets input i's bit of inPlaceInputs from the buffers connected now.
+    void UpdateInPlace(uint32_t input);
 
     struct TimedPosition {
         uint32_t frame;
@@ -82,6 +93,12 @@ private:
     std::vector<int32_t> controlParameter;  // parameter index of each control port
     std::vector<const float*> audioIn;
     std::vector<float*> audioOut;
+    // Worked out when a port is connected to a new buffer, not at every block (hosts connect the
+    // same buffers again and again): inputs that share their buffer with an output, bit per input,
+    // and whether an output has no buffer. Valid once outputsMoved is cleared by Run.
+    uint32_t inPlaceInputs = 0;
+    bool outputMissing = true;
+    bool outputsMoved = true;
     const LV2_Atom_Sequence* midiIn = nullptr;
     LV2_Atom_Sequence* midiOut = nullptr;
     uint32_t midiOutCapacity = 0;  // what the host gave the port, read at the block's start

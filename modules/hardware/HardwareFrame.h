@@ -50,10 +50,14 @@ inline int32_t ThruBits(float x, float fullScale) {
 }
 
 // A word with bit 23 clear is word / F; with bit 23 set it is the negative of its 24-bit two's
-// complement over F. No dither, gain or rounding beyond the one division touches it.
+// complement over F. No dither, gain or rounding beyond the one division touches it. Written without
+// a branch (the magnitude picked, the quotient's sign bit set): frame streams alternate the two cases
+// from sample to sample, where a branch mispredicts; the bits are those of the two-case form.
 inline float WordToSample(int32_t word, float fullScale) {
-    if ((word & 0x800000) == 0) return float(word) / fullScale;
-    return -(float((-word) & 0xFFFFFF) / fullScale);
+    const bool negative = (word & 0x800000) != 0;
+    const int32_t magnitude = negative ? ((-word) & 0xFFFFFF) : word;
+    const float quotient = float(magnitude) / fullScale;
+    return negative ? -quotient : quotient;
 }
 
 }  // namespace BR

@@ -16,6 +16,52 @@ inline uint8_t LevelByte(float x, float scale, float offset) {
     return uint8_t(std::clamp(int32_t(v), 0, 255));
 }
 
+// Where the one byte of a lane lands in the two words: (byte & mask) << shift in each. The frame's
+// other bytes stay 0 throughout, so this is the words of the whole frame.
+struct LanePlace {
+    int32_t maskL, shiftL, maskR, shiftR;
+};
+
+LanePlace PlaceOfLane(int32_t hardware, int32_t lane, bool valid) {
+    if (!valid) return {0, 0, 0, 0};
+    if (hardware != 0)
+        return lane < 3 ? LanePlace{255, 16 - 8 * lane, 0, 0} : LanePlace{0, 0, 255, 40 - 8 * lane};
+    switch (lane) {
+        case 0:
+            return {255, 16, 0, 0};
+        case 1:
+            return {255, 8, 0, 0};
+        case 2:
+            return {0, 0, 255, 16};
+        case 3:
+            return {0, 0, 255, 8};
+        default:
+            return {0xF0, 0, 0x0F, 4};  // byte 5 split by nibbles over both words
+    }
+}
+
+// The lane's bytes over a run, the stream held in a local so that its state stays in registers.
+template <bool kDunmore, typename Stream>
+void EncodeLane(Stream& held, float* const* out, uint32_t frames, const LanePlace& at, float fullScale) {
+    Stream stream = held;
+    const int32_t channels = kDunmore ? 6 : 4;
+    float* left = out[0];
+    float* right = out[1];
+    uint32_t i = 0;
+    // Channels 7 and 8 of the Dunmore lane hold the value of input 0.0.
+    auto value = [&](int32_t c) { return c < channels ? BR::CombinerValue(out[c][i], 0) : 2048; };
+    for (; i < frames; ++i) {
+        int32_t byte;
+        if constexpr (kDunmore)
+            byte = stream.Next(value, 2, true);
+        else
+            byte = stream.Next(value, 2);
+        left[i] = BR::WordToSample((byte & at.maskL) << at.shiftL, fullScale);
+        right[i] = BR::WordToSample((byte & at.maskR) << at.shiftR, fullScale);
+    }
+    held = stream;
+}
+
 }  // namespace
 
 void BrelCorvane::EncodeHardware(float** outputs, uint32_t offset, uint32_t frames) {
@@ -46,21 +92,12 @@ void BrelCorvane::EncodeHardware(float** outputs, uint32_t offset, uint32_t fram
         }
     } else {
         // One byte lane; the step is always 2, values carry no offset and pass no filter.
-        const bool laneValid = targetChannel < BR::TargetLanes(targetHardware);
-        const int32_t lane = targetChannel, hardware = targetHardware;
-        const bool dunmore = hardwareMode == 3;
-        const int32_t channels = dunmore ? 6 : 4;
-        uint32_t i = 0;
-        // Channels 7 and 8 of the Dunmore lane hold the value of input 0.0.
-        auto value = [&](int32_t c) { return c < channels ? BR::CombinerValue(out[c][i], 0) : 2048; };
-        for (; i < frames; ++i) {
-            const uint8_t byte =
-                dunmore ? hardwareDunmore.Next(value, 2, true) : hardwareCinder.Next(value, 2);
-            if (laneValid) frame[lane] = byte;
-            BR::TargetWords(hardware, frame, wordL, wordR);
-            left[i] = BR::WordToSample(wordL, fullScale);
-            right[i] = BR::WordToSample(wordR, fullScale);
-        }
+        const LanePlace at =
+            PlaceOfLane(targetHardware, targetChannel, targetChannel < BR::TargetLanes(targetHardware));
+        if (hardwareMode == 3)
+            EncodeLane<true>(hardwareDunmore, out, frames, at, fullScale);
+        else
+            EncodeLane<false>(hardwareCinder, out, frames, at, fullScale);
     }
 }
 
