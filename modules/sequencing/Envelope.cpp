@@ -2,6 +2,7 @@
 #include "Envelope.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -26,10 +27,7 @@ void SetupSegment(Envelope& envelope, int32_t segment, float time, float startLe
 
 // Equal as stored: -0 and 0 differ (the target is written out), and a NaN matches itself.
 bool SameBits(float a, float b) {
-    uint32_t x, y;
-    std::memcpy(&x, &a, sizeof x);
-    std::memcpy(&y, &b, sizeof y);
-    return x == y;
+    return std::bit_cast<uint32_t>(a) == std::bit_cast<uint32_t>(b);
 }
 
 // EnvTimeMultiplier of the envelope's present "Multiplier" value, worked out once per value.
@@ -223,9 +221,7 @@ void envBlockUpdate(Envelope& envelope, const EnvParameters& parameters, float s
 namespace {
 
 uint32_t Bits(float x) {
-    uint32_t b;
-    std::memcpy(&b, &x, sizeof b);
-    return b;
+    return std::bit_cast<uint32_t>(x);
 }
 
 // Runs an exponential segment's chain for up to `n` samples from `level`; returns the samples written

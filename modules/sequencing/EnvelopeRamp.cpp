@@ -9,7 +9,7 @@
 #include "EnvelopeRamp.h"
 
 #include <algorithm>
-#include <cstring>
+#include <bit>
 
 #include "framework/SampleKernels.h"
 
@@ -24,15 +24,11 @@ constexpr int64_t kGridLow = int64_t(1) << 23;
 constexpr int64_t kGridHigh = (int64_t(1) << 24) - 1;
 
 uint32_t Bits(float x) {
-    uint32_t b;
-    std::memcpy(&b, &x, sizeof b);
-    return b;
+    return std::bit_cast<uint32_t>(x);
 }
 
 float FromBits(uint32_t b) {
-    float x;
-    std::memcpy(&x, &b, sizeof x);
-    return x;
+    return std::bit_cast<float>(b);
 }
 
 // Works out R for the step and the binade of the level whose bits are `bits`.

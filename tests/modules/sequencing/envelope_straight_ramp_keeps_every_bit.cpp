@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
 
+#include <bit>
 #include <cfenv>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -18,15 +18,11 @@
 namespace {
 
 uint32_t Bits(float x) {
-    uint32_t b;
-    std::memcpy(&b, &x, sizeof b);
-    return b;
+    return std::bit_cast<uint32_t>(x);
 }
 
 float FromBits(uint32_t b) {
-    float x;
-    std::memcpy(&x, &b, sizeof x);
-    return x;
+    return std::bit_cast<float>(b);
 }
 
 // Compares the closed form with the serial sums; returns false (with a message) at the first difference.

@@ -3,8 +3,8 @@
 // of 1, 7 and 256 frames, phases that land exactly on step boundaries and just beside them.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
-#include <cstring>
 #include <random>
 
 #include "StepLFORig.h"
@@ -117,9 +117,7 @@ void Configure(Rig& rig, const Rows& rows, double tempo, bool playing) {
 }
 
 uint32_t Bits(float x) {
-    uint32_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    return bits;
+    return std::bit_cast<uint32_t>(x);
 }
 
 // Samples rendered by in-step runs over the compared cases, and all samples rendered.

@@ -4,8 +4,8 @@
 // zeros, the logarithm's 1e-10 floor and the exponential's hold, into separate buffers and in place.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -25,9 +25,7 @@ std::vector<float> Inputs() {
 }
 
 uint32_t Bits(float v) {
-    uint32_t b;
-    std::memcpy(&b, &v, sizeof b);
-    return b;
+    return std::bit_cast<uint32_t>(v);
 }
 
 // Same bits, or both not-a-number (whose payload the library may choose).
